@@ -1,0 +1,8 @@
+#include <CoreFoundation/CFDate.h>
+
+#import <Foundation/Foundation.h>
+
+CFAbsoluteTime CFAbsoluteTimeGetCurrent(void)
+{
+    return [NSDate timeIntervalSinceReferenceDate];
+}
