@@ -13,15 +13,9 @@
 
 using namespace audiounit_compat;
 
-ComponentInstanceRecord::ComponentInstanceRecord()
-{
-    Registry::shared().addUnit(this);
-}
+ComponentInstanceRecord::ComponentInstanceRecord() { Registry::shared().addUnit(this); }
 
-ComponentInstanceRecord::~ComponentInstanceRecord()
-{
-    Registry::shared().removeUnit(this);
-}
+ComponentInstanceRecord::~ComponentInstanceRecord() { Registry::shared().removeUnit(this); }
 
 void ComponentInstanceRecord::propertyChanged(AudioUnitPropertyID property, AudioUnitScope scope,
                                               AudioUnitElement element)
@@ -35,10 +29,7 @@ void ComponentInstanceRecord::propertyChanged(AudioUnitPropertyID property, Audi
 
 namespace {
 
-bool _isLive(AudioUnit unit)
-{
-    return Registry::Reader()->isLive(unit);
-}
+bool _isLive(AudioUnit unit) { return Registry::Reader()->isLive(unit); }
 
 // Reads into a buffer of the value's own size and hands on as much as the client has room for.
 OSStatus _getFirstBytes(const AudioUnitProperty& property, UInt32 valueSize, void* outData,
@@ -170,9 +161,8 @@ OSStatus AudioUnitSetProperty(AudioUnit unit, AudioUnitPropertyID property, Audi
     return result != noErr ? result : _setProperty({unit, property, scope, element}, data, size);
 }
 
-OSStatus AudioUnitGetParameter(AudioUnit unit, AudioUnitParameterID parameter,
-                               AudioUnitScope scope, AudioUnitElement element,
-                               AudioUnitParameterValue* outValue)
+OSStatus AudioUnitGetParameter(AudioUnit unit, AudioUnitParameterID parameter, AudioUnitScope scope,
+                               AudioUnitElement element, AudioUnitParameterValue* outValue)
 {
     const OSStatus result = probeCall({.function = "AudioUnitGetParameter",
                                        .unit = unit,
@@ -188,9 +178,9 @@ OSStatus AudioUnitGetParameter(AudioUnit unit, AudioUnitParameterID parameter,
     return unit->getParameter(parameter, scope, element, outValue);
 }
 
-OSStatus AudioUnitSetParameter(AudioUnit unit, AudioUnitParameterID parameter,
-                               AudioUnitScope scope, AudioUnitElement element,
-                               AudioUnitParameterValue value, UInt32 bufferOffsetInFrames)
+OSStatus AudioUnitSetParameter(AudioUnit unit, AudioUnitParameterID parameter, AudioUnitScope scope,
+                               AudioUnitElement element, AudioUnitParameterValue value,
+                               UInt32 bufferOffsetInFrames)
 {
     const OSStatus result = probeCall({.function = "AudioUnitSetParameter",
                                        .unit = unit,
@@ -198,9 +188,9 @@ OSStatus AudioUnitSetParameter(AudioUnit unit, AudioUnitParameterID parameter,
                                        .scope = scope,
                                        .element = element,
                                        .value = value});
-    return result != noErr ? result
-                           : setParameter({unit, parameter, scope, element}, value,
-                                          bufferOffsetInFrames);
+    return result != noErr
+               ? result
+               : setParameter({unit, parameter, scope, element}, value, bufferOffsetInFrames);
 }
 
 OSStatus AudioUnitAddPropertyListener(AudioUnit unit, AudioUnitPropertyID property,
@@ -223,11 +213,10 @@ OSStatus AudioUnitRemovePropertyListenerWithUserData(AudioUnit unit, AudioUnitPr
                                                      AudioUnitPropertyListenerProc proc,
                                                      void* userData)
 {
-    const OSStatus result =
-        probeCall({.function = "AudioUnitRemovePropertyListenerWithUserData",
-                   .unit = unit,
-                   .id = property,
-                   .object = userData});
+    const OSStatus result = probeCall({.function = "AudioUnitRemovePropertyListenerWithUserData",
+                                       .unit = unit,
+                                       .id = property,
+                                       .object = userData});
     if (result != noErr) {
         return result;
     }

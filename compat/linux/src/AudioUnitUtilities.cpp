@@ -21,10 +21,7 @@ UInt64 _nanoseconds(Float32 seconds)
     return static_cast<UInt64>(std::llround(static_cast<double>(seconds) * 1e6)) * 1000;
 }
 
-bool _isDuration(Float32 seconds)
-{
-    return std::isfinite(seconds) && seconds >= 0;
-}
+bool _isDuration(Float32 seconds) { return std::isfinite(seconds) && seconds >= 0; }
 
 Call _callWithEvent(const char* function, AUEventListenerRef listener, const void* object,
                     const AudioUnitEvent* event)
@@ -84,8 +81,8 @@ OSStatus _notifyValueChange(const Sender& sender, const AudioUnitParameter& para
         return noErr;
     }
     AudioUnitParameterValue value = 0;
-    const OSStatus result = unit->getParameter(parameter.mParameterID, parameter.mScope,
-                                               parameter.mElement, &value);
+    const OSStatus result =
+        unit->getParameter(parameter.mParameterID, parameter.mScope, parameter.mElement, &value);
     if (result == noErr) {
         notifyEvent(sender, _valueChange(parameter), value);
     }
@@ -107,10 +104,9 @@ OSStatus _notify(const Sender& sender, const AudioUnitEvent* event)
 
 } // namespace
 
-OSStatus AUEventListenerCreate(AUEventListenerProc inProc, void* inUserData,
-                               CFRunLoopRef inRunLoop, CFStringRef inRunLoopMode,
-                               Float32 inNotificationInterval, Float32 inValueChangeGranularity,
-                               AUEventListenerRef* outListener)
+OSStatus AUEventListenerCreate(AUEventListenerProc inProc, void* inUserData, CFRunLoopRef inRunLoop,
+                               CFStringRef inRunLoopMode, Float32 inNotificationInterval,
+                               Float32 inValueChangeGranularity, AUEventListenerRef* outListener)
 {
     const OSStatus result = probeCall({.function = "AUEventListenerCreate",
                                        .object = inUserData,
@@ -132,21 +128,20 @@ OSStatus AUEventListenerCreate(AUEventListenerProc inProc, void* inUserData,
 OSStatus AUEventListenerAddEventType(AUEventListenerRef inListener, void* inObject,
                                      const AudioUnitEvent* inEvent)
 {
-    const OSStatus result = probeCall(
-        _callWithEvent("AUEventListenerAddEventType", inListener, inObject, inEvent));
+    const OSStatus result =
+        probeCall(_callWithEvent("AUEventListenerAddEventType", inListener, inObject, inEvent));
     if (result != noErr) {
         return result;
     }
-    return inEvent == nullptr
-               ? OSStatus{kAudio_ParamError}
-               : Registry::shared().addRegistration(inListener, inObject, *inEvent);
+    return inEvent == nullptr ? OSStatus{kAudio_ParamError}
+                              : Registry::shared().addRegistration(inListener, inObject, *inEvent);
 }
 
 OSStatus AUEventListenerRemoveEventType(AUEventListenerRef inListener, void* inObject,
                                         const AudioUnitEvent* inEvent)
 {
-    const OSStatus result = probeCall(
-        _callWithEvent("AUEventListenerRemoveEventType", inListener, inObject, inEvent));
+    const OSStatus result =
+        probeCall(_callWithEvent("AUEventListenerRemoveEventType", inListener, inObject, inEvent));
     if (result != noErr) {
         return result;
     }
@@ -201,8 +196,7 @@ OSStatus AUParameterListenerNotify(AUParameterListenerRef inSendingListener, voi
 
 OSStatus AUListenerDispose(AUParameterListenerRef inListener)
 {
-    const OSStatus result =
-        probeCall({.function = "AUListenerDispose", .listener = inListener});
+    const OSStatus result = probeCall({.function = "AUListenerDispose", .listener = inListener});
     if (result != noErr) {
         return result;
     }

@@ -19,10 +19,7 @@ CFArrayRef CFArrayCreate(CFAllocatorRef, const void** values, CFIndex count,
     return reinterpret_cast<CFArrayRef>([[NSArray alloc] initWithObjects:objects count:count]);
 }
 
-CFIndex CFArrayGetCount(CFArrayRef array)
-{
-    return static_cast<CFIndex>([_array(array) count]);
-}
+CFIndex CFArrayGetCount(CFArrayRef array) { return static_cast<CFIndex>([_array(array) count]); }
 
 const void* CFArrayGetValueAtIndex(CFArrayRef array, CFIndex index)
 {

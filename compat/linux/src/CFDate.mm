@@ -2,7 +2,4 @@
 
 #import <Foundation/Foundation.h>
 
-CFAbsoluteTime CFAbsoluteTimeGetCurrent(void)
-{
-    return [NSDate timeIntervalSinceReferenceDate];
-}
+CFAbsoluteTime CFAbsoluteTimeGetCurrent(void) { return [NSDate timeIntervalSinceReferenceDate]; }

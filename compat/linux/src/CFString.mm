@@ -20,10 +20,7 @@ NSString* _string(CFStringRef string)
     return reinterpret_cast<NSString*>(const_cast<__CFString*>(string));
 }
 
-CFStringRef _reference(NSString* string)
-{
-    return reinterpret_cast<CFStringRef>(string);
-}
+CFStringRef _reference(NSString* string) { return reinterpret_cast<CFStringRef>(string); }
 
 struct EncodingRow {
     CFStringEncoding encoding;
@@ -49,8 +46,7 @@ NSString* _createFromBytes(const UInt8* bytes, CFIndex byteCount, CFStringEncodi
 // The characters of a range as an array, copied only when the range is long.
 class Units {
 public:
-    Units(CFStringRef string, CFRange range)
-        : m_length(static_cast<std::size_t>(range.length))
+    Units(CFStringRef string, CFRange range) : m_length(static_cast<std::size_t>(range.length))
     {
         if (m_length > kShort) {
             m_long.resize(m_length);
@@ -113,8 +109,8 @@ CFStringRef CFStringCreateWithBytesNoCopy(CFAllocatorRef allocator, const UInt8*
                                           Boolean isExternalRepresentation,
                                           CFAllocatorRef contentsDeallocator)
 {
-    const CFStringRef made = CFStringCreateWithBytes(allocator, bytes, byteCount, encoding,
-                                                     isExternalRepresentation);
+    const CFStringRef made =
+        CFStringCreateWithBytes(allocator, bytes, byteCount, encoding, isExternalRepresentation);
     if (made != nullptr && contentsDeallocator != kCFAllocatorNull) {
         std::free(const_cast<UInt8*>(bytes));
     }
@@ -141,9 +137,9 @@ CFIndex CFStringGetBytes(CFStringRef string, CFRange range, CFStringEncoding enc
                          CFIndex maxBufferLength, CFIndex* usedBufferLength)
 {
     const Units units(string, range);
-    const EncodeResult result = encodeUnits(
-        units.data(), units.length(),
-        {encoding, lossByte, isExternalRepresentation != 0, buffer, maxBufferLength});
+    const EncodeResult result =
+        encodeUnits(units.data(), units.length(),
+                    {encoding, lossByte, isExternalRepresentation != 0, buffer, maxBufferLength});
     if (usedBufferLength != nullptr) {
         *usedBufferLength = result.bytesUsed;
     }
@@ -191,9 +187,9 @@ Boolean CFStringGetFileSystemRepresentation(CFStringRef string, char* buffer,
 {
     const CFIndex length = CFStringGetLength(string);
     CFIndex used = 0;
-    const CFIndex read = CFStringGetBytes(string, CFRangeMake(0, length), kCFStringEncodingUTF8, 0,
-                                          false, reinterpret_cast<UInt8*>(buffer),
-                                          maxBufferLength - 1, &used);
+    const CFIndex read =
+        CFStringGetBytes(string, CFRangeMake(0, length), kCFStringEncodingUTF8, 0, false,
+                         reinterpret_cast<UInt8*>(buffer), maxBufferLength - 1, &used);
     if (read != length || maxBufferLength < 1 || std::memchr(buffer, 0, used) != nullptr) {
         return false;
     }

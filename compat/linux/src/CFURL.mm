@@ -4,10 +4,7 @@
 
 #include <cstring>
 
-static NSURL* _url(CFURLRef url)
-{
-    return reinterpret_cast<NSURL*>(const_cast<__CFURL*>(url));
-}
+static NSURL* _url(CFURLRef url) { return reinterpret_cast<NSURL*>(const_cast<__CFURL*>(url)); }
 
 CFURLRef CFURLCreateFromFileSystemRepresentation(CFAllocatorRef, const UInt8* buffer,
                                                  CFIndex length, Boolean isDirectory)

@@ -11,8 +11,8 @@ CFUUIDRef CFUUIDCreate(CFAllocatorRef)
     if (getentropy(bytes, sizeof bytes) != 0) {
         return nullptr;
     }
-    bytes[6] = (bytes[6] & 0x0F) | 0x40;  // version 4
-    bytes[8] = (bytes[8] & 0x3F) | 0x80;  // variant 1
+    bytes[6] = (bytes[6] & 0x0F) | 0x40; // version 4
+    bytes[8] = (bytes[8] & 0x3F) | 0x80; // variant 1
     return reinterpret_cast<CFUUIDRef>([[NSUUID alloc] initWithUUIDBytes:bytes]);
 }
 

@@ -52,9 +52,7 @@ EventKey _valueKey(EventKey key)
 } // namespace audiounit_compat
 
 AUListenerBase::AUListenerBase(AUEventListenerProc proc, void* userData, Timing timing)
-    : m_proc(proc)
-    , m_userData(userData)
-    , m_timing(timing)
+    : m_proc(proc), m_userData(userData), m_timing(timing)
 {
 }
 

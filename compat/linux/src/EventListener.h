@@ -32,15 +32,14 @@ AudioUnitEvent eventOf(const EventKey& key);
 /// their way point to it; an ended one is no longer active.
 struct Registration {
     Registration(const EventKey& eventKey, void* registeredObject)
-        : key(eventKey)
-        , object(registeredObject)
+        : key(eventKey), object(registeredObject)
     {
     }
 
     const EventKey key;
     void* const object;
     std::atomic<bool> active{true};
-    std::uint64_t lastValue = 0;  // place of its newest queued value; of the delivering side
+    std::uint64_t lastValue = 0; // place of its newest queued value; of the delivering side
 };
 
 } // namespace audiounit_compat
@@ -53,8 +52,8 @@ struct Registration {
 /// still sees all events in order, and one that disposes the listener ends the work.
 struct AUListenerBase : std::enable_shared_from_this<AUListenerBase> {
     struct Timing {
-        UInt64 interval;     // ns
-        UInt64 granularity;  // ns
+        UInt64 interval;    // ns
+        UInt64 granularity; // ns
     };
 
     AUListenerBase(AUEventListenerProc proc, void* userData, Timing timing);
@@ -83,7 +82,7 @@ struct AUListenerBase : std::enable_shared_from_this<AUListenerBase> {
 private:
     struct Pending {
         audiounit_compat::Arrival arrival;
-        bool merged;  // into a later one
+        bool merged; // into a later one
     };
 
     struct LeftoverGuard {
@@ -111,8 +110,8 @@ private:
     std::recursive_mutex m_delivery;
     bool m_disposed = false;
     UInt64 m_newestTime = 0;
-    std::vector<audiounit_compat::Arrival> m_arrivals;  // scratch
+    std::vector<audiounit_compat::Arrival> m_arrivals; // scratch
     std::deque<Pending> m_queue;
-    std::uint64_t m_firstPlace = 1;  // place of the queue's front; places count up for ever
-    std::vector<std::pair<audiounit_compat::EventKey, std::uint64_t>> m_gestures;  // newest places
+    std::uint64_t m_firstPlace = 1; // place of the queue's front; places count up for ever
+    std::vector<std::pair<audiounit_compat::EventKey, std::uint64_t>> m_gestures; // newest places
 };

@@ -12,9 +12,6 @@ extern std::atomic<UInt64> gFakeTime;
 /// Host time in nanoseconds: CLOCK_MONOTONIC, or the fake clock of a test.
 UInt64 hostTime() noexcept;
 
-inline bool isClockFake() noexcept
-{
-    return gFakeTime.load(std::memory_order_relaxed) != 0;
-}
+inline bool isClockFake() noexcept { return gFakeTime.load(std::memory_order_relaxed) != 0; }
 
 } // namespace audiounit_compat

@@ -9,8 +9,8 @@ namespace audiounit_compat {
 
 struct Inbox::Cell {
     Arrival arrival;
-    Cell* below = nullptr;                // in an inbox
-    std::atomic<std::uint32_t> next{0};   // in the pool: number of the next free cell
+    Cell* below = nullptr;              // in an inbox
+    std::atomic<std::uint32_t> next{0}; // in the pool: number of the next free cell
     bool pooled = true;
 };
 

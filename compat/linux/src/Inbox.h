@@ -12,7 +12,7 @@ struct Registration;
 /// One event on its way to one registration.
 struct Arrival {
     Registration* registration;
-    UInt64 time;  // host time, ns
+    UInt64 time; // host time, ns
     AudioUnitParameterValue value;
 };
 

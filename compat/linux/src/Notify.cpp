@@ -4,6 +4,8 @@
 #include "HostClock.h"
 #include "Registry.h"
 
+#include <AudioUnitCompat/InProcessUnit.h>
+
 #include <algorithm>
 
 namespace audiounit_compat {

@@ -38,10 +38,7 @@ Registry& Registry::shared()
     return *registry;
 }
 
-Registry::Registry()
-    : m_snapshot(new Snapshot)
-{
-}
+Registry::Registry() : m_snapshot(new Snapshot) {}
 
 Registry::Reader::Reader()
 {
@@ -50,10 +47,7 @@ Registry::Reader::Reader()
     m_snapshot = registry.m_snapshot.load();
 }
 
-Registry::Reader::~Reader()
-{
-    shared().m_readers.fetch_sub(1);
-}
+Registry::Reader::~Reader() { shared().m_readers.fetch_sub(1); }
 
 void Registry::publish()
 {
@@ -158,8 +152,9 @@ void Registry::addListener(std::shared_ptr<AUListenerBase> listener)
 std::shared_ptr<AUListenerBase> Registry::removeListener(AUListenerBase* listener)
 {
     const std::lock_guard lock(m_mutex);
-    const auto found = std::find_if(m_listeners.begin(), m_listeners.end(),
-                                    [listener](const auto& each) { return each.get() == listener; });
+    const auto found =
+        std::find_if(m_listeners.begin(), m_listeners.end(),
+                     [listener](const auto& each) { return each.get() == listener; });
     if (found == m_listeners.end()) {
         return nullptr;
     }

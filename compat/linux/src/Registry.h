@@ -29,9 +29,9 @@ struct Snapshot {
         AUListenerBase* listener;
     };
 
-    std::vector<AudioUnit> units;                            // ascending
-    std::vector<Route> routes;                               // by event, then by age
-    std::vector<std::shared_ptr<AUListenerBase>> listeners;  // by age; keeps those in routes alive
+    std::vector<AudioUnit> units;                           // ascending
+    std::vector<Route> routes;                              // by event, then by age
+    std::vector<std::shared_ptr<AUListenerBase>> listeners; // by age; keeps those in routes alive
 
     bool isLive(AudioUnit unit) const;
 };
@@ -85,7 +85,7 @@ public:
 private:
     Registry();
     bool hasPropertyListener(const PropertyListener& listener);
-    void publish();  // m_mutex is held, as in the two below
+    void publish(); // m_mutex is held, as in the two below
     void freeRetired();
     AUListenerBase* find(AUListenerBase* listener) const;
 

@@ -11,7 +11,7 @@ namespace audiounit_compat {
 class RunLoopTimer {
 public:
     RunLoopTimer() = default;
-    ~RunLoopTimer();  // only after stop()
+    ~RunLoopTimer(); // only after stop()
     RunLoopTimer(const RunLoopTimer&) = delete;
     RunLoopTimer& operator=(const RunLoopTimer&) = delete;
 
@@ -31,8 +31,8 @@ public:
 
 private:
     int m_descriptor = -1;
-    void* m_watcher = nullptr;  // RunLoopWatcher, retained
-    void* m_thread = nullptr;   // NSThread, retained
+    void* m_watcher = nullptr; // RunLoopWatcher, retained
+    void* m_thread = nullptr;  // NSThread, retained
 };
 
 } // namespace audiounit_compat

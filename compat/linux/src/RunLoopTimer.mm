@@ -2,8 +2,6 @@
 
 #import "RunLoopWatcher.h"
 
-#import <AppKit/AppKit.h>
-
 #include <CoreAudio/CoreAudioTypes.h>
 
 #include <cerrno>
@@ -20,14 +18,11 @@ using Fire = std::function<void()>;
 
 void _fire(void* context)
 {
-    const Fire fire = *static_cast<Fire*>(context);  // stays whole when it stops the timer
+    const Fire fire = *static_cast<Fire*>(context); // stays whole when it stops the timer
     fire();
 }
 
-void _release(void* context)
-{
-    delete static_cast<Fire*>(context);
-}
+void _release(void* context) { delete static_cast<Fire*>(context); }
 
 // The run loop's thread, or nil for one that is neither the caller's nor the main one's.
 NSThread* _threadOf(CFRunLoopRef runLoop)
@@ -38,6 +33,13 @@ NSThread* _threadOf(CFRunLoopRef runLoop)
     return runLoop == CFRunLoopGetMain() ? [NSThread mainThread] : nil;
 }
 
+// The common modes, by name because AppKit, which has the last two, is no part of this library. A
+// run loop never expands them itself.
+NSArray* _commonModes()
+{
+    return @[ NSDefaultRunLoopMode, @"NSEventTrackingRunLoopMode", @"NSModalPanelRunLoopMode" ];
+}
+
 NSArray* _modes(CFStringRef mode)
 {
     NSString* const name = reinterpret_cast<NSString*>(mode);
@@ -46,7 +48,7 @@ NSArray* _modes(CFStringRef mode)
     }
     if ([name isEqualToString:reinterpret_cast<NSString*>(kCFRunLoopCommonModes)] ||
         [name isEqualToString:NSRunLoopCommonModes]) {
-        return @[ NSDefaultRunLoopMode, NSEventTrackingRunLoopMode, NSModalPanelRunLoopMode ];
+        return _commonModes();
     }
     return @[ name ];
 }
@@ -61,7 +63,7 @@ void _performOn(NSThread* thread, AudioUnitCompatWatcher* watcher, SEL selector)
                     onThread:thread
                   withObject:nil
                waitUntilDone:NO
-                       modes:_modes(kCFRunLoopCommonModes)];
+                       modes:_commonModes()];
 }
 
 } // namespace
@@ -112,7 +114,8 @@ void RunLoopTimer::stop()
         return;
     }
     @autoreleasepool {
-        auto* const watcher = static_cast<AudioUnitCompatWatcher*>(std::exchange(m_watcher, nullptr));
+        auto* const watcher =
+            static_cast<AudioUnitCompatWatcher*>(std::exchange(m_watcher, nullptr));
         auto* const thread = static_cast<NSThread*>(std::exchange(m_thread, nullptr));
         if ([thread isFinished]) {
             [watcher abandon];

@@ -63,7 +63,7 @@
 {
     uint64_t expirations;
     if (read(m_descriptor, &expirations, sizeof expirations) < 0 || m_context == NULL) {
-        return;  // armed anew meanwhile, or detached
+        return; // armed anew meanwhile, or detached
     }
     [[self retain] autorelease];
     @try {

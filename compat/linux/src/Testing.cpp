@@ -21,25 +21,16 @@ void _setClock(UInt64 time)
 
 } // namespace
 
-FakeClock::FakeClock()
-{
-    _setClock(kStart);
-}
+FakeClock::FakeClock() { _setClock(kStart); }
 
-FakeClock::~FakeClock()
-{
-    _setClock(0);
-}
+FakeClock::~FakeClock() { _setClock(0); }
 
 void FakeClock::advance(double seconds)
 {
     gFakeTime += static_cast<UInt64>(std::llround(seconds * 1e9));
 }
 
-UInt64 FakeClock::now() const
-{
-    return gFakeTime;
-}
+UInt64 FakeClock::now() const { return gFakeTime; }
 
 void deliverDue()
 {
@@ -55,19 +46,10 @@ void deliverAll()
     }
 }
 
-std::size_t liveListenerCount()
-{
-    return Registry::shared().listeners().size();
-}
+std::size_t liveListenerCount() { return Registry::shared().listeners().size(); }
 
-std::size_t livePropertyListenerCount()
-{
-    return Registry::shared().propertyListenerCount();
-}
+std::size_t livePropertyListenerCount() { return Registry::shared().propertyListenerCount(); }
 
-std::size_t liveUnitCount()
-{
-    return Registry::Reader()->units.size();
-}
+std::size_t liveUnitCount() { return Registry::Reader()->units.size(); }
 
 } // namespace audiounit_compat

@@ -24,10 +24,7 @@ constexpr FormRow kForms[] = {
     {kCFStringEncodingUTF32LE, {4, false, true}},
 };
 
-bool _isSurrogate(char32_t character)
-{
-    return character >= 0xD800 && character <= 0xDFFF;
-}
+bool _isSurrogate(char32_t character) { return character >= 0xD800 && character <= 0xDFFF; }
 
 // One character of a UTF-16 text; a lone surrogate is one too.
 struct Character {
@@ -101,9 +98,7 @@ Bytes _units(const UnitForm& form, char32_t character)
 class Encoder {
 public:
     Encoder(CFStringEncoding encoding, UInt8 lossByte)
-        : m_encoding(encoding)
-        , m_form(unitFormOf(encoding))
-        , m_loss{}
+        : m_encoding(encoding), m_form(unitFormOf(encoding)), m_loss{}
     {
         if (lossByte != 0 && m_form) {
             m_loss = _units(*m_form, lossByte);

@@ -10,9 +10,9 @@ namespace audiounit_compat {
 
 /// How UTF-16 and UTF-32 lie in memory.
 struct UnitForm {
-    std::size_t unitSize;  // bytes, 2 or 4
+    std::size_t unitSize; // bytes, 2 or 4
     bool bigEndian;
-    bool orderIsNamed;  // by the encoding; no byte-order mark is read or written then
+    bool orderIsNamed; // by the encoding; no byte-order mark is read or written then
 };
 
 /// Nothing for encodings that are no UTF-16 or UTF-32.
@@ -31,7 +31,7 @@ struct EncodeRequest {
     CFStringEncoding encoding;
     UInt8 lossByte;
     bool withMark;
-    UInt8* buffer;  // may be null
+    UInt8* buffer; // may be null
     CFIndex capacity;
 };
 

@@ -46,8 +46,8 @@ enum : AudioUnitParameterID { kAUParameterListener_AnyParameter = 0xFFFFFFFF };
 typedef struct AudioUnitEvent {
     AudioUnitEventType mEventType;
     union {
-        AudioUnitParameter mParameter;  // value changes and gestures
-        AudioUnitProperty mProperty;    // property changes
+        AudioUnitParameter mParameter; // value changes and gestures
+        AudioUnitProperty mProperty;   // property changes
     } mArgument;
 } AudioUnitEvent;
 
@@ -58,8 +58,8 @@ typedef struct AudioUnitEvent {
 /// @param inEventHostTime  When it was notified: nanoseconds of CLOCK_MONOTONIC.
 /// @param inParameterValue The value at that time, in the parameter's unit. 0 with gestures and
 ///                         property changes.
-typedef void (*AUEventListenerProc)(void* inUserData, void* inObject,
-                                    const AudioUnitEvent* inEvent, UInt64 inEventHostTime,
+typedef void (*AUEventListenerProc)(void* inUserData, void* inObject, const AudioUnitEvent* inEvent,
+                                    UInt64 inEventHostTime,
                                     AudioUnitParameterValue inParameterValue);
 
 CF_EXTERN_C_BEGIN

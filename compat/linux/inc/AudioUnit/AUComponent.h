@@ -117,8 +117,7 @@ CF_EXPORT OSStatus AudioUnitSetParameter(AudioUnit unit, AudioUnitParameterID pa
 /// @param userData  Passed to `proc`; must stay valid until removed or the unit is gone.
 /// @return kAudio_ParamError for a null `proc`.
 CF_EXPORT OSStatus AudioUnitAddPropertyListener(AudioUnit unit, AudioUnitPropertyID property,
-                                                AudioUnitPropertyListenerProc proc,
-                                                void* userData);
+                                                AudioUnitPropertyListenerProc proc, void* userData);
 
 /// Takes away every registration of that property, function and user data. A call that another
 /// thread has begun may still be under way. None registered is no error.

@@ -18,22 +18,22 @@ enum : AudioUnitScope {
 
 // Value type and scope of each. Private properties of a unit begin at 64000.
 enum : AudioUnitPropertyID {
-    kAudioUnitProperty_ClassInfo = 0,                 // CFPropertyListRef, global
-    kAudioUnitProperty_SampleRate = 2,                // Float64, input and output
-    kAudioUnitProperty_ParameterList = 3,             // AudioUnitParameterID[]
-    kAudioUnitProperty_ParameterInfo = 4,             // AudioUnitParameterInfo; element = parameter
-    kAudioUnitProperty_StreamFormat = 8,              // AudioStreamBasicDescription, in and output
-    kAudioUnitProperty_ElementCount = 11,             // UInt32
-    kAudioUnitProperty_Latency = 12,                  // Float64, seconds
-    kAudioUnitProperty_MaximumFramesPerSlice = 14,    // UInt32
-    kAudioUnitProperty_ParameterValueStrings = 16,    // CFArrayRef; element = parameter
-    kAudioUnitProperty_TailTime = 20,                 // Float64, seconds
-    kAudioUnitProperty_BypassEffect = 21,             // UInt32
-    kAudioUnitProperty_FactoryPresets = 24,           // CFArrayRef of AUPreset*
-    kAudioUnitProperty_HostCallbacks = 27,            // HostCallbackInfo, global
-    kAudioUnitProperty_CocoaUI = 31,                  // AudioUnitCocoaViewInfo, global
+    kAudioUnitProperty_ClassInfo = 0,              // CFPropertyListRef, global
+    kAudioUnitProperty_SampleRate = 2,             // Float64, input and output
+    kAudioUnitProperty_ParameterList = 3,          // AudioUnitParameterID[]
+    kAudioUnitProperty_ParameterInfo = 4,          // AudioUnitParameterInfo; element = parameter
+    kAudioUnitProperty_StreamFormat = 8,           // AudioStreamBasicDescription, in and output
+    kAudioUnitProperty_ElementCount = 11,          // UInt32
+    kAudioUnitProperty_Latency = 12,               // Float64, seconds
+    kAudioUnitProperty_MaximumFramesPerSlice = 14, // UInt32
+    kAudioUnitProperty_ParameterValueStrings = 16, // CFArrayRef; element = parameter
+    kAudioUnitProperty_TailTime = 20,              // Float64, seconds
+    kAudioUnitProperty_BypassEffect = 21,          // UInt32
+    kAudioUnitProperty_FactoryPresets = 24,        // CFArrayRef of AUPreset*
+    kAudioUnitProperty_HostCallbacks = 27,         // HostCallbackInfo, global
+    kAudioUnitProperty_CocoaUI = 31,               // AudioUnitCocoaViewInfo, global
     kAudioUnitProperty_ParameterStringFromValue = 33,
-    kAudioUnitProperty_PresentPreset = 36,            // AUPreset, global
+    kAudioUnitProperty_PresentPreset = 36, // AUPreset, global
     kAudioUnitProperty_ParameterValueFromString = 38
 };
 
@@ -56,7 +56,7 @@ enum : AudioUnitParameterUnit {
 typedef UInt32 AudioUnitParameterOptions;
 
 enum : AudioUnitParameterOptions {
-    kAudioUnitParameterFlag_CFNameRelease = 1U << 4,  // the caller releases the name strings
+    kAudioUnitParameterFlag_CFNameRelease = 1U << 4, // the caller releases the name strings
     kAudioUnitParameterFlag_OmitFromPresets = 1U << 13,
     kAudioUnitParameterFlag_MeterReadOnly = 1U << 15,
     kAudioUnitParameterFlag_HasClump = 1U << 20,
@@ -75,8 +75,8 @@ enum : AudioUnitParameterOptions {
 
 /// What a parameter is. Without the flag CFNameRelease both strings are borrowed from the unit.
 typedef struct AudioUnitParameterInfo {
-    char name[52];          // not used, zero
-    CFStringRef unitName;   // of a custom unit
+    char name[52];        // not used, zero
+    CFStringRef unitName; // of a custom unit
     UInt32 clumpID;
     CFStringRef cfNameString;
     AudioUnitParameterUnit unit;

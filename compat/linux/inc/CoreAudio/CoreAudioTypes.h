@@ -7,7 +7,7 @@ typedef UInt32 AudioFormatFlags;
 
 enum : OSStatus { kAudio_ParamError = -50 };
 
-enum : AudioFormatID { kAudioFormatLinearPCM = 0x6c70636d };  // 'lpcm'
+enum : AudioFormatID { kAudioFormatLinearPCM = 0x6c70636d }; // 'lpcm'
 
 enum : AudioFormatFlags {
     kAudioFormatFlagIsFloat = 1U << 0,
@@ -21,7 +21,7 @@ enum : AudioFormatFlags {
 /// The layout of a stream of samples. A packet of uncompressed sound is one frame, and with
 /// separate channels the byte counts are those of one channel.
 struct AudioStreamBasicDescription {
-    Float64 mSampleRate;  // frames per second
+    Float64 mSampleRate; // frames per second
     AudioFormatID mFormatID;
     AudioFormatFlags mFormatFlags;
     UInt32 mBytesPerPacket;

@@ -7,6 +7,9 @@
 // plain C++ sees opaque pointers. A function with Create or Copy in its name gives an object that
 // the caller owns; any other result is borrowed.
 //
+// The headers are for C++, Objective-C and Objective-C++; GNUstep's Foundation.h includes them when
+// it finds them.
+//
 // All functions may be called on any thread, with or without an autorelease pool. References
 // passed in must not be null unless the function says so.
 
@@ -33,7 +36,7 @@ typedef float Float32;
 typedef double Float64;
 typedef SInt32 OSStatus;
 typedef UInt32 OSType;  // four characters, the first in the highest byte
-typedef UInt16 UniChar;  // one UTF-16 unit
+typedef UInt16 UniChar; // one UTF-16 unit
 
 enum : OSStatus { noErr = 0 };
 
@@ -46,24 +49,25 @@ typedef struct CFRange {
     CFIndex length;
 } CFRange;
 
-inline CFRange CFRangeMake(CFIndex location, CFIndex length)
+static inline CFRange CFRangeMake(CFIndex location, CFIndex length)
 {
-    return CFRange{location, length};
+    const CFRange range = {location, length};
+    return range;
 }
 
 typedef const void* CFTypeRef;
-typedef CFTypeRef CFPropertyListRef;  // NSDictionary, NSArray, NSString, NSNumber or NSData
+typedef CFTypeRef CFPropertyListRef; // NSDictionary, NSArray, NSString, NSNumber or NSData
 typedef const struct __CFAllocator* CFAllocatorRef;
-typedef const struct __CFArray* CFArrayRef;            // NSArray
-typedef const struct __CFData* CFDataRef;              // NSData
-typedef const struct __CFDictionary* CFDictionaryRef;  // NSDictionary
-typedef const struct __CFString* CFStringRef;          // NSString
-typedef struct __CFString* CFMutableStringRef;         // NSMutableString
-typedef const struct __CFTimeZone* CFTimeZoneRef;      // NSTimeZone
-typedef const struct __CFURL* CFURLRef;                // NSURL
-typedef const struct __CFUUID* CFUUIDRef;              // NSUUID
-typedef struct __CFBundle* CFBundleRef;                // NSBundle
-typedef struct __CFRunLoop* CFRunLoopRef;              // NSRunLoop
+typedef const struct __CFArray* CFArrayRef;           // NSArray
+typedef const struct __CFData* CFDataRef;             // NSData
+typedef const struct __CFDictionary* CFDictionaryRef; // NSDictionary
+typedef const struct __CFString* CFStringRef;         // NSString
+typedef struct __CFString* CFMutableStringRef;        // NSMutableString
+typedef const struct __CFTimeZone* CFTimeZoneRef;     // NSTimeZone
+typedef const struct __CFURL* CFURLRef;               // NSURL
+typedef const struct __CFUUID* CFUUIDRef;             // NSUUID
+typedef struct __CFBundle* CFBundleRef;               // NSBundle
+typedef struct __CFRunLoop* CFRunLoopRef;             // NSRunLoop
 typedef CFStringRef CFRunLoopMode;
 
 CF_EXTERN_C_BEGIN

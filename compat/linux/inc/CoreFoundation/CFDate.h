@@ -3,7 +3,7 @@
 #include <CoreFoundation/CFBase.h>
 
 typedef double CFTimeInterval;         // seconds
-typedef CFTimeInterval CFAbsoluteTime;  // seconds since 2001-01-01 00:00:00 GMT
+typedef CFTimeInterval CFAbsoluteTime; // seconds since 2001-01-01 00:00:00 GMT
 
 CF_EXTERN_C_BEGIN
 

@@ -20,10 +20,10 @@ enum : CFStringEncoding {
 typedef CFIndex CFStringNormalizationForm;
 
 enum : CFStringNormalizationForm {
-    kCFStringNormalizationFormD = 0,   // canonical decomposition
-    kCFStringNormalizationFormKD = 1,  // compatibility decomposition
-    kCFStringNormalizationFormC = 2,   // canonical composition
-    kCFStringNormalizationFormKC = 3   // compatibility composition
+    kCFStringNormalizationFormD = 0,  // canonical decomposition
+    kCFStringNormalizationFormKD = 1, // compatibility decomposition
+    kCFStringNormalizationFormC = 2,  // canonical composition
+    kCFStringNormalizationFormKC = 3  // compatibility composition
 };
 
 CF_EXTERN_C_BEGIN
@@ -34,7 +34,7 @@ CF_EXPORT CFStringRef __CFStringMakeConstantString(const char* text);
 
 /// A constant string from a literal. Never released.
 #ifdef __OBJC__
-#define CFSTR(literal) (reinterpret_cast<CFStringRef>(@"" literal))
+#define CFSTR(literal) ((CFStringRef) @"" literal)
 #else
 #define CFSTR(literal) __CFStringMakeConstantString("" literal)
 #endif
