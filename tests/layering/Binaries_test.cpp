@@ -28,44 +28,34 @@ const Rule kRules[] = {
     {"tarvel-host", "[Tt]arvel|Xe", "XeSlider|XeParameterSetter|TarvelCocoaView"},
 };
 
-std::vector<std::string> linesOf(const std::string& command)
+/// What `pattern` captures in the lines that `command` prints.
+std::vector<std::string> captured(const std::string& command, const char* pattern)
 {
     const CommandResult result = runCommand(command);
     EXPECT_EQ(result.status, 0) << command << '\n' << result.output;
-    std::vector<std::string> lines;
-    std::istringstream stream(result.output);
-    for (std::string line; std::getline(stream, line);) {
-        lines.push_back(line);
+    const std::regex expression(pattern);
+    std::vector<std::string> found;
+    std::istringstream lines(result.output);
+    std::smatch match;
+    for (std::string line; std::getline(lines, line);) {
+        if (std::regex_search(line, match, expression)) {
+            found.push_back(match[1]);
+        }
     }
-    return lines;
+    return found;
 }
 
 std::vector<std::string> neededLibraries(const std::string& file)
 {
-    static const std::regex kNeeded(R"(\(NEEDED\).*\[(.*)\])");
-    std::vector<std::string> libraries;
-    std::smatch match;
-    for (const std::string& line : linesOf("LC_ALL=C readelf -dW " + quoted(file))) {
-        if (std::regex_search(line, match, kNeeded)) {
-            libraries.push_back(match[1]);
-        }
-    }
-    return libraries;
+    return captured("LC_ALL=C readelf -dW " + quoted(file), R"(\(NEEDED\).*\[(.*)\])");
 }
 
 // A row of the symbol table: number, value, size, type, binding, visibility, section, name. The
 // section of a symbol that comes from elsewhere is "UND".
 std::vector<std::string> definedSymbols(const std::string& file)
 {
-    static const std::regex kDefined(R"(^\s*\d+:(?:\s+\S+){5}\s+(?:\d+|ABS)\s+(\S.*)$)");
-    std::vector<std::string> symbols;
-    std::smatch match;
-    for (const std::string& line : linesOf("LC_ALL=C readelf -sW " + quoted(file))) {
-        if (std::regex_search(line, match, kDefined)) {
-            symbols.push_back(match[1]);
-        }
-    }
-    return symbols;
+    return captured("LC_ALL=C readelf -sW " + quoted(file),
+                    R"(^\s*\d+:(?:\s+\S+){5}\s+(?:\d+|ABS)\s+(\S.*)$)");
 }
 
 std::vector<std::string> matching(const std::vector<std::string>& names, const std::string& pattern)
