@@ -51,7 +51,11 @@ UInt64 _monotonicTime()
 
 class EventListenerThreads : public testing::Test {
 protected:
-    EventListenerThreads() { pool = [[NSAutoreleasePool alloc] init]; }
+    EventListenerThreads()
+    {
+        pool = [[NSAutoreleasePool alloc] init];
+        CFRunLoopGetCurrent(); // the main one is to be made on the main thread
+    }
     ~EventListenerThreads() override { [pool drain]; }
 
     NSAutoreleasePool* pool = nil;
