@@ -151,6 +151,7 @@ TEST(DateFromUtc, FieldsThatAreNoNumbersRaiseAndChangeNothing)
         // Beyond what the record holds.
         L"2147483648-1",
         L"99999999999999999999-1",
+        L"18446744073709553640-1",
         L"2024-99999999999-1",
     };
     for (const wchar_t* text : kTexts) {
@@ -164,8 +165,18 @@ TEST(DateFromUtc, FieldsThatAreNoNumbersRaiseAndChangeNothing)
 TEST(TimeFromUtc, FieldsThatAreNoNumbersRaiseAndChangeNothing)
 {
     constexpr const wchar_t* kTexts[] = {
-        L"14:07:09.5", L"14:07:",         L":07",           L"14::09", L":", L"ab", L"14 07", L"1.",
-        L"14:0x7",     L"14:99999999999", L"14:2147483648",
+        L"14:07:09.5",
+        L"14:07:",
+        L":07",
+        L"14::09",
+        L":",
+        L"ab",
+        L"14 07",
+        L"1.",
+        L"14:0x7",
+        L"14:99999999999",
+        L"14:2147483648",
+        L"14:18446744073709551623",
     };
     for (const wchar_t* text : kTexts) {
         SCOPED_TRACE(shown(text));
