@@ -1,6 +1,7 @@
 #pragma once
 
 #include "XeString.h"
+#include "XeUtcText.h" // the rest of xenon::util
 
 /// Numbers to text and back, as the user of the current global locale writes them.
 ///

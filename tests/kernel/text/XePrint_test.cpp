@@ -1,13 +1,10 @@
 #include "XePrint.h"
 
 #include "LocaleGuard.h"
-#include "XeSafeCRT.h"
 
 #include <gtest/gtest.h>
 
-#include <clocale>
 #include <cmath>
-#include <cwctype>
 #include <limits>
 #include <random>
 
@@ -234,24 +231,6 @@ TEST(StringFromDouble, ANegativeValueThatRoundsToZeroKeepsItsSign)
 {
     EXPECT_EQ(platformText(-0.001, L"0.00"), L"-0.00");
     EXPECT_EQ(platformText(-0.0, L"0.00"), L"0.00"); // which is not below zero
-}
-
-TEST(SwprintfS, SetsTheCharacterTypeOnEveryCall)
-{
-    for (int round = 0; round < 2; ++round) {
-        std::setlocale(LC_CTYPE, "C");
-        wchar_t buffer[8] = {};
-        EXPECT_EQ(XeCRT::swprintf_s(buffer, 8, L"%s", "\xC3\xA9"), 1);
-        EXPECT_STREQ(buffer, L"\u00E9");
-        EXPECT_EQ(std::towupper(L'\u00E9'), std::wint_t{L'\u00C9'});
-    }
-}
-
-TEST(SwprintfS, FailsWhenTheTextDoesNotFit)
-{
-    wchar_t buffer[4] = {};
-    EXPECT_EQ(XeCRT::swprintf_s(buffer, 4, L"%d", 123), 3);
-    EXPECT_LT(XeCRT::swprintf_s(buffer, 4, L"%d", 1234), 0);
 }
 
 struct RatioRow {
