@@ -470,7 +470,7 @@ TEST(Normalize, AgreesWithTheWholeUnicodeTestFile)
 
 bool isSurrogate(char32_t c) { return c >= 0xD800 && c <= 0xDFFF; }
 
-// Part 1 of the test file lists every character that a form changes.
+// The first part of the test file lists every character that a form changes.
 TEST(Normalize, KeepsEveryCharacterThatTheTestFileDoesNotList)
 {
     std::set<char32_t> listed;
