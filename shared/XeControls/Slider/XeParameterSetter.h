@@ -8,10 +8,11 @@
 
 /// The one way by which an editor writes its effect's parameters.
 ///
-/// Every listener of the host hears each write, and every write stands inside a gesture (begin,
-/// value, end), so that a host that records automation sees whole gestures. The gesture of an
-/// attached slider spans its drag instead: it begins and ends with the slider's two notifications,
-/// and the writes between carry none of their own.
+/// Every listener of the host hears each write. A write from any control but an attached slider is
+/// a whole gesture of its own (begin, value, end), so that a host that records automation sees
+/// where it starts and stops. An attached slider's gesture spans its drag: it begins and ends with
+/// the slider's two notifications, and the slider's writes carry none, neither those inside the
+/// drag nor those of a key or a double click.
 ///
 /// Sender of each call is the control that made the change. The host passes over only those
 /// registrations of the sending listener whose object is that control, so an editor that registers
