@@ -345,6 +345,23 @@ TEST_F(SliderKeys, OfTwoCharactersOrNoneOnlyTellTheHook)
     }
 }
 
+// Option and Up may well type something; what counts is the key.
+TEST_F(SliderKeys, AreReadIgnoringTheirModifiers)
+{
+    NSEvent* const event = [NSEvent keyEventWithType:NSKeyDown
+                                            location:NSZeroPoint
+                                       modifierFlags:kOption
+                                           timestamp:0
+                                        windowNumber:[m_window windowNumber]
+                                             context:[m_window graphicsContext]
+                                          characters:@"xy"
+                         charactersIgnoringModifiers:keyText(NSUpArrowFunctionKey)
+                                           isARepeat:NO
+                                             keyCode:0];
+    [m_slider keyDown:event];
+    EXPECT_EQ(value(), 0.1);
+}
+
 TEST_F(SliderKeys, ThatMeanNothingHereGoToTheBaseClass)
 {
     [m_slider setNextResponder:m_listener];
@@ -464,6 +481,42 @@ TEST_F(SliderMouse, DoubleClickOnABoundSliderWritesTheModel)
     doubleClick();
     EXPECT_EQ([m_model level], -18);
     EXPECT_THAT(m_log, ElementsAre("hook", "action -18"));
+}
+
+} // namespace
+
+// A slider that would accept the focus even when disabled.
+@interface EagerSlider : XeSlider
+@end
+
+@implementation EagerSlider
+- (BOOL)acceptsFirstResponder
+{
+    return YES;
+}
+@end
+
+namespace {
+
+// The press goes straight to the slider here, so no window has offered it the focus before.
+TEST_F(SliderMouse, PressItselfTakesTheFocusOfTheEnabledSliderOnly)
+{
+    // clang-format off
+    const struct { BOOL isEnabled, takesFocus; bool getsFocus; } rows[] = {
+        { YES, YES, true }, { YES, NO, false }, { NO, YES, false }, { NO, NO, false },
+    };
+    // clang-format on
+    EagerSlider* const slider = [[[EagerSlider alloc] initWithFrame:kWide] autorelease];
+    [[m_window contentView] addSubview:slider];
+    for (const auto& row : rows) {
+        SCOPED_TRACE(testing::Message() << "enabled " << int{row.isEnabled});
+        [m_window makeFirstResponder:nil];
+        [slider setEnabled:row.isEnabled];
+        [slider setBecomeFirstResponderOnClick:row.takesFocus];
+        [slider mouseDown:mouseEvent(m_window, NSLeftMouseDown, at(0.5), 2)];
+        EXPECT_EQ([m_window firstResponder] == slider, row.getsFocus);
+    }
+    [slider removeFromSuperview];
 }
 
 // --- values --------------------------------------------------------------------------------------
