@@ -5,10 +5,7 @@
 
 namespace gui_test {
 
-bool hasDisplay()
-{
-    return NSApp != nil;
-}
+bool hasDisplay() { return NSApp != nil; }
 
 void pump(double seconds)
 {
@@ -27,13 +24,24 @@ void pump(double seconds)
     [until release];
 }
 
+// Runs the event loop until no event of the kind is queued any more.
+static void pumpUntilTaken(NSUInteger eventMask)
+{
+    pumpUntil([eventMask] {
+        return [NSApp nextEventMatchingMask:eventMask
+                                  untilDate:[NSDate distantPast]
+                                     inMode:NSDefaultRunLoopMode
+                                    dequeue:NO] == nil;
+    });
+}
+
 NSWindow* makeWindow(NSSize contentSize)
 {
-    NSWindow* const window =
-        [[NSWindow alloc] initWithContentRect:NSMakeRect(100, 100, contentSize.width, contentSize.height)
-                                    styleMask:NSTitledWindowMask | NSClosableWindowMask
-                                      backing:NSBackingStoreBuffered
-                                        defer:NO];
+    NSWindow* const window = [[NSWindow alloc]
+        initWithContentRect:NSMakeRect(100, 100, contentSize.width, contentSize.height)
+                  styleMask:NSTitledWindowMask | NSClosableWindowMask
+                    backing:NSBackingStoreBuffered
+                      defer:NO];
     [window setReleasedWhenClosed:NO];
     [window makeKeyAndOrderFront:nil];
     pumpUntil([window] { return [window isKeyWindow]; });
@@ -64,7 +72,7 @@ void pressKey(NSWindow* window, NSString* characters, NSUInteger modifiers)
 {
     [NSApp postEvent:keyEvent(NSKeyDown, window, characters, modifiers) atStart:NO];
     [NSApp postEvent:keyEvent(NSKeyUp, window, characters, modifiers) atStart:NO];
-    pump(0.02);
+    pumpUntilTaken(NSKeyUpMask);
 }
 
 NSEvent* mouseEvent(NSWindow* window, NSEventType type, NSPoint point, NSInteger clickCount)
@@ -89,7 +97,7 @@ void drag(NSWindow* window, std::initializer_list<NSPoint> points, NSInteger cli
         [NSApp postEvent:mouseEvent(window, NSLeftMouseDragged, point, clickCount) atStart:NO];
     }
     [NSApp postEvent:mouseEvent(window, NSLeftMouseUp, last, clickCount) atStart:NO];
-    pump(0.05);
+    pumpUntilTaken(NSLeftMouseUpMask);
 }
 
 NSPoint centerOf(NSView* view)

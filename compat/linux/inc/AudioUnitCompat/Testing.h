@@ -12,18 +12,18 @@ namespace audiounit_compat {
 /// One call of the client interface, before it is carried out. Fields a function does not have
 /// are zero.
 struct Call {
-    const char* function = "";        // "AudioUnitGetProperty", "AUEventListenerCreate", ...
-    AudioUnit unit = nullptr;         // the unit named by the call or by its event record
-    UInt32 eventType = 0;             // AUEventListenerAddEventType and AUEventListenerNotify
-    UInt32 id = 0;                    // property or parameter
+    const char* function = ""; // "AudioUnitGetProperty", "AUEventListenerCreate", ...
+    AudioUnit unit = nullptr;  // the unit named by the call or by its event record
+    UInt32 eventType = 0;      // AUEventListenerAddEventType and AUEventListenerNotify
+    UInt32 id = 0;             // property or parameter
     AudioUnitScope scope = 0;
     AudioUnitElement element = 0;
-    UInt32 size = 0;                  // bytes offered or passed
+    UInt32 size = 0; // bytes offered or passed
     AudioUnitParameterValue value = 0;
-    AUEventListenerRef listener = nullptr;  // the listener made, changed, disposed or sending
-    const void* object = nullptr;     // the registered or sending object
-    Float32 interval = 0;             // AUEventListenerCreate, seconds
-    Float32 granularity = 0;          // AUEventListenerCreate, seconds
+    AUEventListenerRef listener = nullptr; // the listener made, changed, disposed or sending
+    const void* object = nullptr;          // the registered or sending object
+    Float32 interval = 0;                  // AUEventListenerCreate, seconds
+    Float32 granularity = 0;               // AUEventListenerCreate, seconds
 };
 
 /// Sees every client call, on the thread that makes it.
@@ -43,8 +43,8 @@ void setCallProbe(CallProbe* probe);
 /// started while it is installed, so nothing is delivered except by deliverDue().
 class FakeClock {
 public:
-    FakeClock();   // starts at 1 s; one at a time
-    ~FakeClock();  // back to the real clock
+    FakeClock();  // starts at 1 s; one at a time
+    ~FakeClock(); // back to the real clock
     FakeClock(const FakeClock&) = delete;
     FakeClock& operator=(const FakeClock&) = delete;
     void advance(double seconds);
@@ -57,8 +57,8 @@ void deliverDue();
 /// Delivers everything that is pending, due or not.
 void deliverAll();
 
-std::size_t liveListenerCount();          // event listeners made and not disposed
-std::size_t livePropertyListenerCount();  // property listeners on live units
+std::size_t liveListenerCount();         // event listeners made and not disposed
+std::size_t livePropertyListenerCount(); // property listeners on live units
 std::size_t liveUnitCount();
 
 } // namespace audiounit_compat
