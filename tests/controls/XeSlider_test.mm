@@ -2,6 +2,7 @@
 
 #import "GuiTest.h"
 #import "SliderProbe.h"
+#import "XeSliderCell.h"
 #import "XeTry.h"
 
 #include <gmock/gmock.h>
@@ -125,6 +126,11 @@ TEST_F(Slider, StartsWithItsSixStepsAndTakesTheFocusOnClick)
     EXPECT_TRUE([m_slider becomeFirstResponderOnClick]);
 }
 
+TEST_F(Slider, DrawsItselfWithTheCellOfTheFace)
+{
+    EXPECT_TRUE([[m_slider cell] isKindOfClass:[XeSliderCell class]]);
+}
+
 TEST_F(Slider, StartsAsItsOwnTarget)
 {
     XeSlider* const slider = [[[XeSlider alloc] initWithFrame:kWide] autorelease];
@@ -192,6 +198,7 @@ TEST_F(Slider, OfAnInterfaceDescriptionSendsTheConnectedAction)
     ASSERT_TRUE([slider isKindOfClass:[XeSlider class]]);
     EXPECT_EQ([slider target], m_listener);
     EXPECT_STREQ(actionName(slider), "sliderMoved:");
+    EXPECT_TRUE([[slider cell] isKindOfClass:[XeSliderCell class]]);
     EXPECT_EQ([slider doubleValue], -20);
     EXPECT_EQ([slider defaultValue], -20);
     EXPECT_EQ([slider basicStep], 1.0);
