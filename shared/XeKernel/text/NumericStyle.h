@@ -3,8 +3,6 @@
 #include <array>
 #include <cstdint>
 #include <locale>
-#include <string_view>
-#include <type_traits>
 
 /// How a locale writes numbers, copied out of its facets: asking a facet costs more than reading a
 /// whole number.
@@ -42,33 +40,4 @@ const NumericStyle& currentNumericStyle();
 inline std::uint32_t digitValue(wchar_t c)
 {
     return static_cast<std::uint32_t>(c) - static_cast<std::uint32_t>(L'0');
-}
-
-/// xenon::util::atoi over plain pointers, with the style already looked up.
-template <class Integer>
-const wchar_t* readInteger(const NumericStyle& style, const wchar_t* begin, const wchar_t* end,
-                           Integer& out)
-{
-    using Unsigned = std::make_unsigned_t<Integer>; // wraps where the signed type must not
-    const wchar_t* at = begin;
-    while (at != end && style.isSpace(*at)) {
-        ++at;
-    }
-    const bool negative = at != end && *at == L'-';
-    if (at != end && (negative || *at == L'+')) {
-        ++at;
-    }
-    Unsigned value = 0;
-    for (; at != end; ++at) {
-        if (const std::uint32_t digit = digitValue(*at); digit < 10) {
-            value = value * 10 + digit;
-        } else if (*at != style.thousandsSeparator()) {
-            break;
-        }
-    }
-    out = static_cast<Integer>(negative ? Unsigned{0} - value : value);
-    while (at != end && style.isSpace(*at)) {
-        ++at;
-    }
-    return at;
 }
