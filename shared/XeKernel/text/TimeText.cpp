@@ -124,7 +124,7 @@ bool is_separator(wchar_t c) { return c == L'.' || c == L':' || c == L';'; }
 
 bool not_isdigit(wchar_t c)
 {
-    const auto code = static_cast<std::uint32_t>(c);
+    const std::uint32_t code = codeOf(c);
     return code > 255 || std::isdigit(static_cast<int>(code)) == 0;
 }
 
