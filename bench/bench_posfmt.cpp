@@ -86,25 +86,28 @@ void addLabelText()
                    [] { use(kFormat.smpteToString(hidden(kLabel), 0)); });
 }
 
-/// Digits in fields, whatever is between.
+/// Reads four numbers, whatever single characters are between.
+void readFields(const Text& text)
+{
+    unsigned fields[4] = {};
+    unsigned at = 0;
+    for (const wchar_t c : text) {
+        if (const auto digit = static_cast<unsigned>(c - L'0'); digit < 10) {
+            fields[at] = fields[at] * 10 + digit;
+        } else {
+            ++at;
+        }
+    }
+    use(fields);
+}
+
 void addLabelFromText()
 {
     static const XePosFmt kFormat = dropFrame();
     static const Text kText = L"01:02:03;16";
     static const Text kDigits = L"1020316";
 
-    addComparedRow("label_from_text", "floor", [] {
-        unsigned fields[4] = {};
-        unsigned at = 0;
-        for (const wchar_t c : hidden(kText)) {
-            if (const auto digit = static_cast<unsigned>(c - L'0'); digit < 10) {
-                fields[at] = fields[at] * 10 + digit;
-            } else {
-                ++at;
-            }
-        }
-        use(fields);
-    });
+    addComparedRow("label_from_text", "floor", [] { readFields(hidden(kText)); });
     addComparedRow("label_from_text", "swscanf", [] {
         unsigned fields[4] = {};
         use(std::swscanf(hidden(kText).c_str(), L"%u:%u:%u;%u", &fields[0], &fields[1], &fields[2],
@@ -164,18 +167,7 @@ void addClock()
     addComparedRow("clock_to_text", "hmsfToString",
                    [] { use(kFormat.hmsfToString(hidden(kTime), 0)); });
 
-    addComparedRow("clock_from_text", "floor", [] {
-        unsigned fields[4] = {};
-        unsigned at = 0;
-        for (const wchar_t c : hidden(kText)) {
-            if (const auto digit = static_cast<unsigned>(c - L'0'); digit < 10) {
-                fields[at] = fields[at] * 10 + digit;
-            } else {
-                ++at;
-            }
-        }
-        use(fields);
-    });
+    addComparedRow("clock_from_text", "floor", [] { readFields(hidden(kText)); });
     addComparedRow("clock_from_text", "swscanf", [] {
         unsigned hours = 0;
         unsigned minutes = 0;
