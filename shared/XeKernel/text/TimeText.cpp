@@ -11,6 +11,7 @@
 #include <cctype>
 #include <cmath>
 #include <string_view>
+#include <utility>
 
 namespace {
 

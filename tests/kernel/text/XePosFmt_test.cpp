@@ -396,6 +396,15 @@ TEST(RollOver, ValueIsInUnitsOf100Nanoseconds)
     }
 }
 
+// The rounding down forgives a hundred-thousandth of a unit. It shows at a rate beyond all sense
+// only: a day has more units than a double has decimals left.
+TEST(RollOver, ValueAHairShortOfAUnitIsThatUnit)
+{
+    const double units = 4294967295.0 * 86400 * 10000000;
+    EXPECT_EQ(formatAt(zqposfmt_smpte_30, units / 0.999991).rolloverValue(), 1);
+    EXPECT_EQ(formatAt(zqposfmt_smpte_30, units / 0.999989).rolloverValue(), 0);
+}
+
 TEST(RollOver, OfAWrappedCountShowsTheRest)
 {
     const XePosFmt format = dropFrame2997();
@@ -783,10 +792,10 @@ TEST(Position, OfALabelIsRoundedUp)
     EXPECT_EQ(format.smpteToPosition(48000, label(0, 0, 0, 1)), 1602); // 1601.6
     EXPECT_EQ(format.smpteToPosition(48000, label(0, 0, 0, 5)), 8008); // exact
     EXPECT_EQ(XePosFmt(zqposfmt_smpte_24).smpteToPosition(44100, label(0, 0, 1, 1)), 45938);
-    EXPECT_EQ(formatAt(zqposfmt_smpte_25, 3000000).smpteToPosition(1000, label(0, 0, 0, 3002)),
-              1); // 1.00067: less than a thousandth above stays
-    EXPECT_EQ(formatAt(zqposfmt_smpte_25, 3000000).smpteToPosition(1000, label(0, 0, 0, 3004)),
-              2); // 1.00133
+    // Less than a thousandth of a sample above stays.
+    const XePosFmt fine = formatAt(zqposfmt_smpte_25, 1000000);
+    EXPECT_EQ(fine.smpteToPosition(10, label(0, 0, 0, 100095)), 1); // 1.00095
+    EXPECT_EQ(fine.smpteToPosition(10, label(0, 0, 0, 100105)), 2); // 1.00105
 }
 
 TEST(Position, OfTheSecondFieldIsHalfAFrameLater)
