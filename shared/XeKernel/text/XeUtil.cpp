@@ -2,13 +2,13 @@
 
 #include "XePath.h"
 #include "XeSafeCRT.h"
+#include "text/DecimalText.h"
 #include "text/NumericStyle.h"
 
 #include <boost/container/small_vector.hpp>
 #include <boost/lexical_cast.hpp>
 
 #include <algorithm>
-#include <cwchar>
 #include <iterator>
 #include <memory>
 #include <optional>
@@ -19,8 +19,6 @@
 namespace {
 
 using _NumberText = boost::container::small_vector<wchar_t, 64>;
-
-bool _isBlank(wchar_t c) { return c == L' ' || c == L'\t'; }
 
 bool _isLetter(wchar_t c) { return (c >= L'a' && c <= L'z') || (c >= L'A' && c <= L'Z'); }
 
@@ -127,27 +125,6 @@ const wchar_t* _readDecimal(const wchar_t* begin, const wchar_t* end, double& ou
     return at;
 }
 
-/// The digits after a decimal point: 25 -> 0.25. Moves `at` to the first other character.
-double _readFraction(const wchar_t*& at, double value)
-{
-    double unit = 10.0;
-    for (; digitValue(*at) < 10; ++at) {
-        value += digitValue(*at) / unit;
-        unit *= 10.0;
-    }
-    return value;
-}
-
-/// Cuts tabs, spaces and percent signs off the end. Returns the new end.
-wchar_t* _cutTail(wchar_t* text)
-{
-    wchar_t* end = text + std::wcslen(text);
-    while (end != text && (_isBlank(end[-1]) || end[-1] == L'%')) {
-        *--end = 0;
-    }
-    return end;
-}
-
 } // namespace
 
 namespace xenon::util {
@@ -180,45 +157,18 @@ template Iterator atof(Iterator, Iterator, double&);
 
 wchar_t myatof(wchar_t* text, double* out)
 {
-    constexpr double kAwayFromZero = 0.000000000005;
-
     *out = 0;
     if (text == nullptr) {
         return 0;
     }
-    while (_isBlank(*text)) {
-        ++text;
-    }
-    if (*text == 0) {
+    const std::wstring_view typed = withoutLead(text);
+    if (typed.empty()) {
         return 0;
     }
-    const NumericStyle& style = currentNumericStyle();
-    const wchar_t* const end = _cutTail(text);
-    const std::wstring_view number(text, static_cast<std::size_t>(end - text));
-    const std::size_t point = number.rfind(style.decimalPoint());
-    const wchar_t* const wholeEnd = point == number.npos ? end : text + point;
-
-    const wchar_t* at = text;
-    const bool negative = *at == L'-';
-    at += negative;
-    double value = 0;
-    for (; at < wholeEnd; ++at) {
-        if (const std::uint32_t digit = digitValue(*at); digit < 10) {
-            value = value * 10 + digit;
-        } else if (*at == style.thousandsSeparator()) {
-            continue;
-        } else if (_isBlank(*at)) {
-            break;
-        } else {
-            *out = value;
-            return *at;
-        }
-    }
-    if (at == wholeEnd && at != end) {
-        value = _readFraction(++at, value);
-    }
-    *out = negative ? -value - kAwayFromZero : value + kAwayFromZero;
-    return *at;
+    const std::wstring_view number = withoutTail(typed);
+    const std::size_t lead = static_cast<std::size_t>(typed.data() - text);
+    std::fill_n(text + lead + number.size(), typed.size() - number.size(), L'\0');
+    return *readUpToOther(currentNumericStyle(), number, *out);
 }
 
 _XeString<wchar_t> doubleToString(double value, int precision, bool trim)
