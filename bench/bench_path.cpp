@@ -6,6 +6,7 @@
 #include "XePath.h"
 
 #include "ComparedRows.h"
+#include "Hidden.h"
 
 #include <benchmark/benchmark.h>
 #include <boost/filesystem/path.hpp>
@@ -23,13 +24,6 @@ namespace {
 
 using Text = _XeString<wchar_t>;
 namespace path = xenon::path;
-
-// Without this a peer's answer could be thrown away unmade.
-template <typename Value>
-void use(Value&& value)
-{
-    benchmark::DoNotOptimize(value);
-}
 
 void addJoin()
 {

@@ -4,12 +4,12 @@
 
 #include "XeString.h"
 
+#include "ComparedRows.h"
+
 #include <benchmark/benchmark.h>
 
 #include <cstdlib>
 #include <cstring>
-#include <ctime>
-#include <map>
 #include <string>
 
 namespace {
@@ -50,48 +50,23 @@ const Text& mixed()
     return text;
 }
 
-/// Processor seconds of one call, by group and name.
-std::map<std::string, std::map<std::string, double>> g_seconds;
-
-/// Registers "<group>/<name>", which times `work` and compares it with the rows of its group that
-/// ran before.
-template <typename Work>
-void addRow(const std::string& group, const std::string& name, Work work)
-{
-    benchmark::RegisterBenchmark((group + '/' + name).c_str(), [=](benchmark::State& state) {
-        const std::clock_t start = std::clock();
-        for (auto _ : state) {
-            work();
-            benchmark::ClobberMemory();
-        }
-        const double each = static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC /
-                            static_cast<double>(state.iterations());
-        for (const auto& [peer, peerSeconds] : g_seconds[group]) {
-            if (peer != name) {
-                state.counters["vs_" + peer] = each / peerSeconds;
-            }
-        }
-        g_seconds[group][name] = each;
-    });
-}
-
 void addFormat(const std::string& size, const std::string& narrow, const std::wstring& wide)
 {
-    addRow("format_wide_" + size, "vswprintf", [&wide] {
+    addComparedRow("format_wide_" + size, "vswprintf", [&wide] {
         wchar_t buffer[2 * kTextBytes];
         benchmark::DoNotOptimize(
             std::swprintf(buffer, std::size(buffer), L"%ls %d %.3f", wide.c_str(), 42, 0.5));
     });
-    addRow("format_wide_" + size, "format", [&wide] {
+    addComparedRow("format_wide_" + size, "format", [&wide] {
         static _XeString<wchar_t> out;
         benchmark::DoNotOptimize(out.format(L"%ls %d %.3f", wide.c_str(), 42, 0.5));
     });
-    addRow("format_narrow_" + size, "vsnprintf", [&narrow] {
+    addComparedRow("format_narrow_" + size, "vsnprintf", [&narrow] {
         char buffer[2 * kTextBytes];
         benchmark::DoNotOptimize(
             std::snprintf(buffer, std::size(buffer), "%s %d %.3f", narrow.c_str(), 42, 0.5));
     });
-    addRow("format_narrow_" + size, "format", [&narrow] {
+    addComparedRow("format_narrow_" + size, "format", [&narrow] {
         static _XeString<char> out;
         benchmark::DoNotOptimize(out.format("%s %d %.3f", narrow.c_str(), 42, 0.5));
     });
@@ -100,12 +75,13 @@ void addFormat(const std::string& size, const std::string& narrow, const std::ws
 void addToWide(const std::string& group, const Text& text)
 {
     static wchar_t buffer[kTextBytes + 1];
-    addRow(group, "memcpy",
-           [&text] { std::memcpy(buffer, text.wide.data(), text.wide.size() * sizeof(wchar_t)); });
-    addRow(group, "mbstowcs", [&text] {
+    addComparedRow(group, "memcpy", [&text] {
+        std::memcpy(buffer, text.wide.data(), text.wide.size() * sizeof(wchar_t));
+    });
+    addComparedRow(group, "mbstowcs", [&text] {
         benchmark::DoNotOptimize(std::mbstowcs(buffer, text.narrow.c_str(), kTextBytes));
     });
-    addRow(group, "facet", [&text] {
+    addComparedRow(group, "facet", [&text] {
         std::mbstate_t state{};
         const char* next = nullptr;
         wchar_t* end = nullptr;
@@ -113,7 +89,7 @@ void addToWide(const std::string& group, const Text& text)
         benchmark::DoNotOptimize(xenon::get_facet().in(state, from, from + kTextBytes, next, buffer,
                                                        buffer + kTextBytes, end));
     });
-    addRow(group, "StdConvert", [&text] {
+    addComparedRow(group, "StdConvert", [&text] {
         StdConvert(buffer, kTextBytes, text.narrow.data(), static_cast<int>(kTextBytes));
     });
 }
@@ -121,11 +97,12 @@ void addToWide(const std::string& group, const Text& text)
 void addToNarrow(const std::string& group, const Text& text)
 {
     static char buffer[kTextBytes + 1];
-    addRow(group, "memcpy", [&text] { std::memcpy(buffer, text.narrow.data(), kTextBytes); });
-    addRow(group, "wcstombs", [&text] {
+    addComparedRow(group, "memcpy",
+                   [&text] { std::memcpy(buffer, text.narrow.data(), kTextBytes); });
+    addComparedRow(group, "wcstombs", [&text] {
         benchmark::DoNotOptimize(std::wcstombs(buffer, text.wide.c_str(), kTextBytes));
     });
-    addRow(group, "facet", [&text] {
+    addComparedRow(group, "facet", [&text] {
         std::mbstate_t state{};
         const wchar_t* next = nullptr;
         char* end = nullptr;
@@ -133,7 +110,7 @@ void addToNarrow(const std::string& group, const Text& text)
         benchmark::DoNotOptimize(xenon::get_facet().out(state, from, from + text.wide.size(), next,
                                                         buffer, buffer + kTextBytes, end));
     });
-    addRow(group, "StdConvert", [&text] {
+    addComparedRow(group, "StdConvert", [&text] {
         StdConvert(buffer, kTextBytes, text.wide.data(), static_cast<int>(text.wide.size()));
     });
 }
