@@ -7,7 +7,9 @@ set(TARVEL_FUZZ_SECONDS 5 CACHE STRING "Length of each fuzzer's random run under
 
 function(add_fuzzer name)
     cmake_parse_arguments(PARSE_ARGV 1 ARG "" "" "SOURCES;LIBRARIES")
-    add_executable(${name} ${ARG_SOURCES})
+    add_executable(${name} ${ARG_SOURCES}
+        "${PROJECT_SOURCE_DIR}/tests/support/SanitizerDefaults.cpp")
+    add_dependencies(checks ${name})
     target_link_libraries(${name} PRIVATE project_options ${ARG_LIBRARIES})
     target_link_options(${name} PRIVATE -fsanitize=fuzzer)
     set(corpus "${PROJECT_SOURCE_DIR}/fuzz/corpus/${name}")

@@ -5,10 +5,7 @@
 
 namespace gui_test {
 
-bool hasDisplay()
-{
-    return NSApp != nil;
-}
+bool hasDisplay() { return NSApp != nil; }
 
 void pump(double seconds)
 {
@@ -29,11 +26,11 @@ void pump(double seconds)
 
 NSWindow* makeWindow(NSSize contentSize)
 {
-    NSWindow* const window =
-        [[NSWindow alloc] initWithContentRect:NSMakeRect(100, 100, contentSize.width, contentSize.height)
-                                    styleMask:NSTitledWindowMask | NSClosableWindowMask
-                                      backing:NSBackingStoreBuffered
-                                        defer:NO];
+    NSWindow* const window = [[NSWindow alloc]
+        initWithContentRect:NSMakeRect(100, 100, contentSize.width, contentSize.height)
+                  styleMask:NSTitledWindowMask | NSClosableWindowMask
+                    backing:NSBackingStoreBuffered
+                      defer:NO];
     [window setReleasedWhenClosed:NO];
     [window makeKeyAndOrderFront:nil];
     pumpUntil([window] { return [window isKeyWindow]; });

@@ -26,7 +26,8 @@ int main(int argc, char** argv)
                 @"NSMenuInterfaceStyle" : @"NSWindows95InterfaceStyle",
             }];
             [NSApplication sharedApplication];
-            NSSetUncaughtExceptionHandler(endProcess);  // after sharedApplication, which sets its own
+            NSSetUncaughtExceptionHandler(
+                endProcess); // after sharedApplication, which sets its own
             [NSApp finishLaunching];
         }
         return RUN_ALL_TESTS();

@@ -9,10 +9,7 @@
 
 namespace XeCRT {
 
-void setCharacterType() noexcept
-{
-    std::setlocale(LC_CTYPE, _characterTypeLocale());
-}
+void setCharacterType() noexcept { std::setlocale(LC_CTYPE, _characterTypeLocale()); }
 
 void prepareProcess() noexcept
 {

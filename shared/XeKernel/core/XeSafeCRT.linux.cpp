@@ -7,9 +7,6 @@
 namespace XeCRT {
 
 // glibc has no locale of the plain name "UTF-8"; this one is built in.
-const char* _characterTypeLocale() noexcept
-{
-    return "C.UTF-8";
-}
+const char* _characterTypeLocale() noexcept { return "C.UTF-8"; }
 
 } // namespace XeCRT

@@ -6,9 +6,6 @@
 
 namespace XeCRT {
 
-const char* _characterTypeLocale() noexcept
-{
-    return "UTF-8";
-}
+const char* _characterTypeLocale() noexcept { return "UTF-8"; }
 
 } // namespace XeCRT

@@ -1,0 +1,1 @@
+// GNUstep declares NSObject itself.

@@ -1,0 +1,1 @@
+// GNUstep declares what it needs of this itself.
