@@ -105,9 +105,9 @@ void EventListenerDispatcher(void* context, void* object, const AudioUnitEvent* 
 
 - (void)_createListener
 {
-    const OSStatus status = AUEventListenerCreate(EventListenerDispatcher, self, CFRunLoopGetCurrent(),
-                                            kCFRunLoopCommonModes, kNotificationInterval,
-                                            kGranularity, &mEventListener);
+    const OSStatus status = AUEventListenerCreate(
+        EventListenerDispatcher, self, CFRunLoopGetCurrent(), kCFRunLoopCommonModes,
+        kNotificationInterval, kGranularity, &mEventListener);
     NSAssert(status == noErr, @"[TarvelCocoaView _addListeners] AUEventListenerCreate()");
 }
 
@@ -219,9 +219,8 @@ void EventListenerDispatcher(void* context, void* object, const AudioUnitEvent* 
     for (const AudioUnitParameter& parameter : mParameter) {
         const AudioUnitEvent event = _parameterEvent(parameter);
         Float32 value = 0;
-        const OSStatus status =
-            AudioUnitGetParameter(parameter.mAudioUnit, parameter.mParameterID, parameter.mScope,
-                                  parameter.mElement, &value);
+        const OSStatus status = AudioUnitGetParameter(parameter.mAudioUnit, parameter.mParameterID,
+                                                      parameter.mScope, parameter.mElement, &value);
         NSAssert(status == noErr, @"[TarvelCocoaView synchronizeUIWithParameterValues] (x.1)");
         [self _eventListener:nil event:&event value:value];
     }

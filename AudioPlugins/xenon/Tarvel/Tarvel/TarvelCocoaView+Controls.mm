@@ -21,8 +21,8 @@ void _setRange(XeThresholdField* field, BOOL lowestIsInfinity, float minimum, fl
 {
     [field setMinFinity:lowestIsInfinity];
     NSNumberFormatter* const formatter = [field formatter];
-    [formatter setMinimum:@(minimum)];
-    [formatter setMaximum:@(maximum)];
+    [formatter setMinimum:(id) @(minimum)];
+    [formatter setMaximum:(id) @(maximum)];
 }
 
 } // namespace
@@ -51,7 +51,8 @@ void _setRange(XeThresholdField* field, BOOL lowestIsInfinity, float minimum, fl
                        andText:(XeThresholdField*)textField
                       forValue:(Float32)value
 {
-    const double shown = [self _showsPercent] ? tarvel::shownPercent(value) : tarvel::shownDb(value);
+    const double shown =
+        [self _showsPercent] ? tarvel::shownPercent(value) : tarvel::shownDb(value);
     [slider setDoubleValue:value];
     [textField setDoubleValue:shown];
 }

@@ -30,8 +30,8 @@ void _localizeOnce()
 - (void)awakeFromNib
 {
     NSBundle* const bundle = [NSBundle bundleForClass:[self class]];
-    NSImage* const pattern = [[NSImage alloc]
-        initByReferencingFile:[bundle pathForImageResource:@"PluginPattern"]];
+    NSImage* const pattern =
+        [[NSImage alloc] initByReferencingFile:[bundle pathForImageResource:@"PluginPattern"]];
     mBackgroundColor = [[NSColor colorWithPatternImage:pattern] retain];
     [pattern release];
 }

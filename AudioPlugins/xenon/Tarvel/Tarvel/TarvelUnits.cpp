@@ -20,8 +20,7 @@ Integer _truncated(double value)
     if (value >= above) {
         return Limits::max();
     }
-    return value > static_cast<double>(Limits::min()) ? static_cast<Integer>(value)
-                                                      : Limits::min();
+    return value > static_cast<double>(Limits::min()) ? static_cast<Integer>(value) : Limits::min();
 }
 
 } // namespace
