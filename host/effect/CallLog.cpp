@@ -36,7 +36,7 @@ constexpr FunctionRow kFunctions[] = {
     { "AudioUnitSetProperty",                            kAddress | kSize },
     { "AudioUnitGetParameter",                           kAddress },
     { "AudioUnitSetParameter",                           kAddress | kValue },
-    { "AUEventListenerCreate",                           kListener | kTiming },
+    { "AUEventListenerCreate",                           kTiming },
     { "AUEventListenerAddEventType",                     kEventFields },
     { "AUEventListenerRemoveEventType",                  kEventFields },
     { "AUEventListenerNotify",                           kEventFields },
@@ -148,7 +148,7 @@ std::string CallLog::objectName(const void* object)
 std::string CallLog::listenerName(AUEventListenerRef listener)
 {
     if (listener == nullptr) {
-        return "no-listener";
+        return "no listener";
     }
     auto& name = m_listeners[listener];
     if (name.empty()) {

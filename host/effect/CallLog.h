@@ -11,7 +11,7 @@ namespace host {
 
 /// The client calls of a test in order, one readable line each:
 ///
-///     AUEventListenerCreate listener 1 interval 0.05 granularity 0.05
+///     AUEventListenerCreate interval 0.05 granularity 0.05
 ///     AUEventListenerAddEventType listener 1 value-change 3 global/0 object view
 ///     AudioUnitGetProperty 3020 global/0 size 8
 ///     AudioUnitSetParameter 1 global/0 value -20

@@ -61,7 +61,7 @@ OSStatus TarvelEffect::getPresentPreset(AudioUnitElement, void* outData)
     return noErr;
 }
 
-OSStatus TarvelEffect::setPresentPreset(const void* data, UInt32)
+OSStatus TarvelEffect::setPresentPreset(const void* data)
 {
     const auto preset = valueAt<AUPreset>(data);
     // There are no factory presets; a user's preset has a negative number and a name.
@@ -93,7 +93,7 @@ OSStatus TarvelEffect::getClassInfo(AudioUnitElement, void* outData)
     return noErr;
 }
 
-OSStatus TarvelEffect::setClassInfo(const void* data, UInt32)
+OSStatus TarvelEffect::setClassInfo(const void* data)
 {
     NSDictionary* const state = (NSDictionary*)valueAt<CFTypeRef>(data);
     std::vector<SavedParameter> parameters;

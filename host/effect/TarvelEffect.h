@@ -28,7 +28,7 @@
 ///
 /// There is one format for input and output, read on input, output or global scope and always
 /// announced on output scope, element 0, where listeners look. Parameters are not clamped to
-/// their range and never announced; only a value that is not finite is refused.
+/// their range and never announced.
 ///
 /// Parameters and scalar properties may be set and read on any thread. The recording, the
 /// view bundle, the callbacks, the state and every property that hands out objects are [main].
@@ -74,10 +74,10 @@ public:
 private:
     struct PropertyRow;
     static const PropertyRow kProperties[];
-    static const PropertyRow* findProperty(AudioUnitPropertyID property);
 
-    OSStatus checkAddress(const PropertyRow& row, AudioUnitScope scope,
-                          AudioUnitElement element) const;
+    OSStatus locate(AudioUnitPropertyID property, AudioUnitScope scope, AudioUnitElement element,
+                    const PropertyRow*& outRow) const;
+    bool isOffered(AudioUnitPropertyID property, AudioUnitElement element) const;
     OSStatus removeValue(const PropertyRow& row);
     void announce(AudioUnitPropertyID property);
     void announceFormat();
@@ -89,22 +89,22 @@ private:
     // One reader and, where a property is writable, one writer for each row of the table. The
     // caller has checked address and size.
     OSStatus getClassInfo(AudioUnitElement element, void* outData);
-    OSStatus setClassInfo(const void* data, UInt32 size);
-    OSStatus writeSampleRate(const void* data, UInt32 size);
+    OSStatus setClassInfo(const void* data);
+    OSStatus writeSampleRate(const void* data);
     OSStatus getParameterList(AudioUnitElement element, void* outData);
     OSStatus getParameterInfo(AudioUnitElement element, void* outData);
     OSStatus getStreamFormat(AudioUnitElement element, void* outData);
-    OSStatus setStreamFormat(const void* data, UInt32 size);
+    OSStatus setStreamFormat(const void* data);
     OSStatus getValueStrings(AudioUnitElement element, void* outData);
     OSStatus getHostCallbacks(AudioUnitElement element, void* outData);
-    OSStatus setHostCallbacks(const void* data, UInt32 size);
+    OSStatus setHostCallbacks(const void* data);
     OSStatus getViewInfo(AudioUnitElement element, void* outData);
     OSStatus getPresentPreset(AudioUnitElement element, void* outData);
-    OSStatus setPresentPreset(const void* data, UInt32 size);
+    OSStatus setPresentPreset(const void* data);
     template <auto Field>
     OSStatus getScalar(AudioUnitElement element, void* outData);
     template <auto Field, AudioUnitPropertyID Property>
-    OSStatus setScalar(const void* data, UInt32 size);
+    OSStatus setScalar(const void* data);
 
     std::array<std::atomic<AudioUnitParameterValue>, host::kParameterCount> m_parameters;
     std::atomic<Float64> m_sampleRate = 44100.0;

@@ -44,7 +44,7 @@ struct TarvelEffect::PropertyRow {
     Element element;
     UInt32 size; // bytes; the view info grows with the number of classes
     OSStatus (TarvelEffect::*get)(AudioUnitElement element, void* outData);
-    OSStatus (TarvelEffect::*set)(const void* data, UInt32 size); // null: read only
+    OSStatus (TarvelEffect::*set)(const void* data); // null: read only
 };
 
 // clang-format off
@@ -125,11 +125,8 @@ OSStatus TarvelEffect::getPropertyInfo(AudioUnitPropertyID property, AudioUnitSc
                                        AudioUnitElement element, UInt32* outSize,
                                        Boolean* outWritable)
 {
-    const PropertyRow* const row = findProperty(property);
-    if (row == nullptr) {
-        return kAudioUnitErr_InvalidProperty;
-    }
-    if (const OSStatus status = checkAddress(*row, scope, element); status != noErr) {
+    const PropertyRow* row = nullptr;
+    if (const OSStatus status = locate(property, scope, element, row); status != noErr) {
         return status;
     }
     *outSize = row->size;
@@ -143,36 +140,21 @@ OSStatus TarvelEffect::getPropertyInfo(AudioUnitPropertyID property, AudioUnitSc
 OSStatus TarvelEffect::getProperty(AudioUnitPropertyID property, AudioUnitScope scope,
                                    AudioUnitElement element, void* outData)
 {
-    const PropertyRow* const row = findProperty(property);
-    if (row == nullptr) {
-        return kAudioUnitErr_InvalidProperty;
-    }
-    if (const OSStatus status = checkAddress(*row, scope, element); status != noErr) {
+    const PropertyRow* row = nullptr;
+    if (const OSStatus status = locate(property, scope, element, row); status != noErr) {
         return status;
     }
     return (this->*row->get)(element, outData);
 }
 
 OSStatus TarvelEffect::setProperty(AudioUnitPropertyID property, AudioUnitScope scope,
-                                   AudioUnitElement element, const void* data, UInt32 size)
+                                   AudioUnitElement element, const void* data, UInt32)
 {
-    const PropertyRow* const row = findProperty(property);
-    if (row == nullptr) {
-        return kAudioUnitErr_InvalidProperty;
-    }
-    if (const OSStatus status = checkAddress(*row, scope, element); status != noErr) {
+    const PropertyRow* row = nullptr;
+    if (const OSStatus status = locate(property, scope, element, row); status != noErr) {
         return status;
     }
-    if (row->set == nullptr) {
-        return kAudioUnitErr_PropertyNotWritable;
-    }
-    if (data == nullptr) {
-        return removeValue(*row);
-    }
-    // Older hosts have shorter callback records.
-    const bool fits =
-        property == kAudioUnitProperty_HostCallbacks ? size <= row->size : size == row->size;
-    return fits ? (this->*row->set)(data, size) : kAudioUnitErr_InvalidPropertyValue;
+    return data == nullptr ? removeValue(*row) : (this->*row->set)(data);
 }
 
 OSStatus TarvelEffect::getParameter(AudioUnitParameterID parameter, AudioUnitScope scope,
@@ -199,40 +181,41 @@ OSStatus TarvelEffect::setParameter(AudioUnitParameterID parameter, AudioUnitSco
     if (status != noErr) {
         return status;
     }
-    if (!std::isfinite(value)) {
-        return kAudioUnitErr_InvalidParameterValue;
-    }
     m_parameters[parameter] = value;
     return noErr;
 }
 
 // ---- addresses and announcements
 
-const TarvelEffect::PropertyRow* TarvelEffect::findProperty(AudioUnitPropertyID property)
+OSStatus TarvelEffect::locate(AudioUnitPropertyID property, AudioUnitScope scope,
+                              AudioUnitElement element, const PropertyRow*& outRow) const
 {
     const auto* const row =
         std::find_if(std::begin(kProperties), std::end(kProperties),
                      [property](const PropertyRow& candidate) { return candidate.id == property; });
-    return row == std::end(kProperties) ? nullptr : row;
-}
-
-OSStatus TarvelEffect::checkAddress(const PropertyRow& row, AudioUnitScope scope,
-                                    AudioUnitElement element) const
-{
-    if (scope > kAudioUnitScope_LayerItem || (row.scopes & scopeBit(scope)) == 0) {
+    if (row == std::end(kProperties)) {
+        return kAudioUnitErr_InvalidProperty;
+    }
+    if (scope > kAudioUnitScope_LayerItem || (row->scopes & scopeBit(scope)) == 0) {
         return kAudioUnitErr_InvalidScope;
     }
-    if (row.element == Element::Zero && element != 0) {
+    if (row->element == Element::Zero && element != 0) {
         return kAudioUnitErr_InvalidElement;
     }
-    const ParameterTraits* const parameter = findParameter(element);
-    if (parameter == nullptr) {
+    if (row->element == Element::Parameter && findParameter(element) == nullptr) {
         return kAudioUnitErr_InvalidParameter;
     }
-    const bool offered = row.id == kAudioUnitProperty_ParameterValueStrings
-                             ? parameter->hasValueStrings && m_valueStringsOffered
-                             : row.id != kAudioUnitProperty_CocoaUI || !m_viewClasses.empty();
-    return offered ? static_cast<OSStatus>(noErr) : kAudioUnitErr_InvalidProperty;
+    outRow = row;
+    return isOffered(property, element) ? static_cast<OSStatus>(noErr)
+                                        : kAudioUnitErr_InvalidProperty;
+}
+
+bool TarvelEffect::isOffered(AudioUnitPropertyID property, AudioUnitElement element) const
+{
+    if (property == kAudioUnitProperty_ParameterValueStrings) {
+        return m_valueStringsOffered && findParameter(element)->hasValueStrings;
+    }
+    return property != kAudioUnitProperty_CocoaUI || !m_viewClasses.empty();
 }
 
 OSStatus TarvelEffect::removeValue(const PropertyRow& row)
@@ -264,7 +247,7 @@ OSStatus TarvelEffect::getScalar(AudioUnitElement, void* outData)
 }
 
 template <auto Field, AudioUnitPropertyID Property>
-OSStatus TarvelEffect::setScalar(const void* data, UInt32)
+OSStatus TarvelEffect::setScalar(const void* data)
 {
     auto& field = this->*Field;
     field = valueAt<decltype(field.load())>(data);
@@ -272,7 +255,7 @@ OSStatus TarvelEffect::setScalar(const void* data, UInt32)
     return noErr;
 }
 
-OSStatus TarvelEffect::writeSampleRate(const void* data, UInt32)
+OSStatus TarvelEffect::writeSampleRate(const void* data)
 {
     const auto hz = valueAt<Float64>(data);
     if (!isRate(hz)) {
@@ -314,7 +297,7 @@ OSStatus TarvelEffect::getStreamFormat(AudioUnitElement, void* outData)
     return noErr;
 }
 
-OSStatus TarvelEffect::setStreamFormat(const void* data, UInt32)
+OSStatus TarvelEffect::setStreamFormat(const void* data)
 {
     const auto wanted = valueAt<AudioStreamBasicDescription>(data);
     AudioStreamBasicDescription supported = format();
@@ -336,11 +319,9 @@ OSStatus TarvelEffect::getHostCallbacks(AudioUnitElement, void* outData)
     return noErr;
 }
 
-OSStatus TarvelEffect::setHostCallbacks(const void* data, UInt32 size)
+OSStatus TarvelEffect::setHostCallbacks(const void* data)
 {
-    HostCallbackInfo callbacks{};
-    std::memcpy(&callbacks, data, size);
-    storeCallbacks(callbacks);
+    storeCallbacks(valueAt<HostCallbackInfo>(data));
     return noErr;
 }
 
