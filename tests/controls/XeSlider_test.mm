@@ -2,6 +2,7 @@
 
 #import "GuiTest.h"
 #import "SliderProbe.h"
+#import "XeSliderCell.h"
 #import "XeTry.h"
 
 #include <gmock/gmock.h>
@@ -125,6 +126,11 @@ TEST_F(Slider, StartsWithItsSixStepsAndTakesTheFocusOnClick)
     EXPECT_TRUE([m_slider becomeFirstResponderOnClick]);
 }
 
+TEST_F(Slider, DrawsItselfWithTheCellOfTheFace)
+{
+    EXPECT_TRUE([[m_slider cell] isKindOfClass:[XeSliderCell class]]);
+}
+
 TEST_F(Slider, StartsAsItsOwnTarget)
 {
     XeSlider* const slider = [[[XeSlider alloc] initWithFrame:kWide] autorelease];
@@ -192,6 +198,7 @@ TEST_F(Slider, OfAnInterfaceDescriptionSendsTheConnectedAction)
     ASSERT_TRUE([slider isKindOfClass:[XeSlider class]]);
     EXPECT_EQ([slider target], m_listener);
     EXPECT_STREQ(actionName(slider), "sliderMoved:");
+    EXPECT_TRUE([[slider cell] isKindOfClass:[XeSliderCell class]]);
     EXPECT_EQ([slider doubleValue], -20);
     EXPECT_EQ([slider defaultValue], -20);
     EXPECT_EQ([slider basicStep], 1.0);
@@ -345,6 +352,23 @@ TEST_F(SliderKeys, OfTwoCharactersOrNoneOnlyTellTheHook)
     }
 }
 
+// Option and Up may well type something; what counts is the key.
+TEST_F(SliderKeys, AreReadIgnoringTheirModifiers)
+{
+    NSEvent* const event = [NSEvent keyEventWithType:NSKeyDown
+                                            location:NSZeroPoint
+                                       modifierFlags:kOption
+                                           timestamp:0
+                                        windowNumber:[m_window windowNumber]
+                                             context:[m_window graphicsContext]
+                                          characters:@"xy"
+                         charactersIgnoringModifiers:keyText(NSUpArrowFunctionKey)
+                                           isARepeat:NO
+                                             keyCode:0];
+    [m_slider keyDown:event];
+    EXPECT_EQ(value(), 0.1);
+}
+
 TEST_F(SliderKeys, ThatMeanNothingHereGoToTheBaseClass)
 {
     [m_slider setNextResponder:m_listener];
@@ -464,6 +488,42 @@ TEST_F(SliderMouse, DoubleClickOnABoundSliderWritesTheModel)
     doubleClick();
     EXPECT_EQ([m_model level], -18);
     EXPECT_THAT(m_log, ElementsAre("hook", "action -18"));
+}
+
+} // namespace
+
+// A slider that would accept the focus even when disabled.
+@interface EagerSlider : XeSlider
+@end
+
+@implementation EagerSlider
+- (BOOL)acceptsFirstResponder
+{
+    return YES;
+}
+@end
+
+namespace {
+
+// The press goes straight to the slider here, so no window has offered it the focus before.
+TEST_F(SliderMouse, PressItselfTakesTheFocusOfTheEnabledSliderOnly)
+{
+    // clang-format off
+    const struct { BOOL isEnabled, takesFocus; bool getsFocus; } rows[] = {
+        { YES, YES, true }, { YES, NO, false }, { NO, YES, false }, { NO, NO, false },
+    };
+    // clang-format on
+    EagerSlider* const slider = [[[EagerSlider alloc] initWithFrame:kWide] autorelease];
+    [[m_window contentView] addSubview:slider];
+    for (const auto& row : rows) {
+        SCOPED_TRACE(testing::Message() << "enabled " << int{row.isEnabled});
+        [m_window makeFirstResponder:nil];
+        [slider setEnabled:row.isEnabled];
+        [slider setBecomeFirstResponderOnClick:row.takesFocus];
+        [slider mouseDown:mouseEvent(m_window, NSLeftMouseDown, at(0.5), 2)];
+        EXPECT_EQ([m_window firstResponder] == slider, row.getsFocus);
+    }
+    [slider removeFromSuperview];
 }
 
 // --- values --------------------------------------------------------------------------------------

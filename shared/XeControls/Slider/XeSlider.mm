@@ -1,5 +1,7 @@
 #import "XeSlider.h"
 
+#import "XeSliderCell.h"
+
 #import <AppKit/NSApplication.h>
 #import <AppKit/NSCell.h>
 #import <AppKit/NSEvent.h>
@@ -68,6 +70,11 @@ NSString* _withoutSelfPrefix(NSString* keyPath)
 @synthesize grandStep;
 @synthesize defaultValue;
 @synthesize becomeFirstResponderOnClick;
+
++ (Class)cellClass
+{
+    return [XeSliderCell class];
+}
 
 - (id)initWithFrame:(NSRect)frame
 {
