@@ -24,6 +24,17 @@ void pump(double seconds)
     [until release];
 }
 
+// Runs the event loop until no event of the kind is queued any more.
+static void pumpUntilTaken(NSUInteger eventMask)
+{
+    pumpUntil([eventMask] {
+        return [NSApp nextEventMatchingMask:eventMask
+                                  untilDate:[NSDate distantPast]
+                                     inMode:NSDefaultRunLoopMode
+                                    dequeue:NO] == nil;
+    });
+}
+
 NSWindow* makeWindow(NSSize contentSize)
 {
     NSWindow* const window = [[NSWindow alloc]
@@ -61,7 +72,7 @@ void pressKey(NSWindow* window, NSString* characters, NSUInteger modifiers)
 {
     [NSApp postEvent:keyEvent(NSKeyDown, window, characters, modifiers) atStart:NO];
     [NSApp postEvent:keyEvent(NSKeyUp, window, characters, modifiers) atStart:NO];
-    pump(0.02);
+    pumpUntilTaken(NSKeyUpMask);
 }
 
 NSEvent* mouseEvent(NSWindow* window, NSEventType type, NSPoint point, NSInteger clickCount)
@@ -86,7 +97,7 @@ void drag(NSWindow* window, std::initializer_list<NSPoint> points, NSInteger cli
         [NSApp postEvent:mouseEvent(window, NSLeftMouseDragged, point, clickCount) atStart:NO];
     }
     [NSApp postEvent:mouseEvent(window, NSLeftMouseUp, last, clickCount) atStart:NO];
-    pump(0.05);
+    pumpUntilTaken(NSLeftMouseUpMask);
 }
 
 NSPoint centerOf(NSView* view)

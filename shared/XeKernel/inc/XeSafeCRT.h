@@ -11,6 +11,13 @@ namespace XeCRT {
 /// Process-wide side effect; a failure leaves the category as it is. [any]
 void setCharacterType() noexcept;
 
+/// Prints wide text into `buffer`, after setCharacterType().
+///
+/// @param count  Elements that `buffer` holds, the terminator included.
+/// @return       Characters written without the terminator; negative when they do not fit or the
+///               format fails, with unspecified contents in `buffer`.
+int swprintf_s(wchar_t* buffer, std::size_t count, const wchar_t* format, ...) noexcept;
+
 /// Prepares the process: when the limit of open files can be read and its soft value is lower
 /// than 7168, raises it to 7168 or to the hard limit if that is lower, then calls
 /// setCharacterType(). Never lowers a limit; harmless when repeated.

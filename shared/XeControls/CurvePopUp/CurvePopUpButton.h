@@ -1,0 +1,16 @@
+#pragma once
+
+#import "XePopUpButton.h"
+
+/// Pop-up button of the fade curves; each item shows its curve and its name. [main]
+@interface CurvePopUpButton : XePopUpButton {
+    NSInteger m_curve;
+}
+
+/// Curve code: 0 linear, 1 equal power, 2 logarithmic, 3 exponential, 4 S-curve.
+- (NSInteger)curve;
+
+/// Selects the item of `curve`. A code without an item is kept and nothing is selected.
+- (void)setCurve:(NSInteger)curve;
+
+@end

@@ -1,0 +1,4 @@
+#import "XeButtonCell.h"
+
+@implementation XeButtonCell
+@end

@@ -1,0 +1,73 @@
+#pragma once
+
+#import <AppKit/AppKit.h>
+
+/// Every colour of the face, by what it is for. Values and contrast are in the table of the source.
+enum class XeTone : unsigned {
+    Window,          ///< background of the whole face
+    Control,         ///< raised control at rest: button, pop-up, stepper, knob
+    ControlHover,    ///< raised control under the pointer
+    ControlPressed,  ///< raised control while the mouse button is down
+    ControlDisabled, ///< raised control that takes no input
+    Field,           ///< sunken control: text field, slider groove, radio ring
+    FieldDisabled,   ///< sunken control that takes no input
+    Border,          ///< outline at rest
+    BorderHover,     ///< outline under the pointer
+    BorderDisabled,  ///< outline of a control that takes no input
+    Text,            ///< values, titles and names
+    TextSecondary,   ///< units and remarks
+    TextDisabled,    ///< text of a control that takes no input
+    Accent,          ///< the one accent colour: slider fill, chosen radio, caret
+    AccentHover,     ///< accent under the pointer
+    AccentDisabled,  ///< accent of a control that takes no input
+    Selection,       ///< behind selected text
+    FocusRing,       ///< ring round the control that has the keyboard
+    Count_           ///< number of tones, not a tone
+};
+
+/// Fonts of the face, by what they are for.
+enum class XeFontRole : unsigned {
+    Text,   ///< labels, titles, pop-ups
+    Number, ///< values in fields; all digits are equally wide
+    Small,  ///< units and remarks
+    Strong, ///< headings
+    Count_  ///< number of roles, not a role
+};
+
+/// Channels of a tone, sRGB, each 0 to 1.
+struct XeRgb {
+    double red;
+    double green;
+    double blue;
+};
+
+/// Colours, fonts and metrics shared by all controls. [main]
+@interface XePalette : NSObject
+
+/// Channels of `tone`, for arithmetic without a colour object.
++ (XeRgb)channelsOfTone:(XeTone)tone;
+
+/// Colour of `tone`; owned by the palette, lives as long as the process.
++ (NSColor*)color:(XeTone)tone;
+
+/// Font of `role`; owned by the palette. Inter where it is installed, else DejaVu Sans, else the
+/// system font. Numbers take the first of these whose digits are all equally wide.
++ (NSFont*)font:(XeFontRole)role;
+
+@end
+
+/// Lengths in points, on the pixel grid at 1x.
+namespace xenon::metrics {
+
+constexpr double kCornerRadius = 3.0;   ///< of fields, buttons and pop-ups
+constexpr double kFocusRingWidth = 2.0; ///< drawn inside the frame, so nothing clips it
+constexpr double kTextInset = 6.0;      ///< between the edge of a control and its text
+constexpr double kControlHeight = 22.0; ///< fields, pop-ups, buttons
+constexpr double kStepperWidth = 17.0;
+constexpr double kKnobDiameter = 14.0;
+constexpr double kGrooveHeight = 4.0;
+constexpr double kRadioDiameter = 14.0;
+constexpr double kFontSize = 12.0;
+constexpr double kSmallFontSize = 11.0;
+
+} // namespace xenon::metrics

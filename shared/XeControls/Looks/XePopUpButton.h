@@ -1,0 +1,7 @@
+#pragma once
+
+#import <AppKit/AppKit.h>
+
+/// Pop-up button of the face. [main]
+@interface XePopUpButton : NSPopUpButton
+@end

@@ -1,0 +1,12 @@
+#import "XePopUpButton.h"
+
+#import "XePopUpButtonCell.h"
+
+@implementation XePopUpButton
+
++ (Class)cellClass
+{
+    return [XePopUpButtonCell class];
+}
+
+@end

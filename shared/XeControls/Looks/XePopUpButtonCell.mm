@@ -1,0 +1,4 @@
+#import "XePopUpButtonCell.h"
+
+@implementation XePopUpButtonCell
+@end

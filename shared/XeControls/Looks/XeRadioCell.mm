@@ -1,0 +1,4 @@
+#import "XeRadioCell.h"
+
+@implementation XeRadioCell
+@end

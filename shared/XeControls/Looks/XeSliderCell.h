@@ -1,0 +1,7 @@
+#pragma once
+
+#import <AppKit/AppKit.h>
+
+/// Draws the face's look. [main]
+@interface XeSliderCell : NSSliderCell
+@end

@@ -1,0 +1,4 @@
+#import "XeSliderCell.h"
+
+@implementation XeSliderCell
+@end

@@ -1,0 +1,7 @@
+#pragma once
+
+#import <AppKit/AppKit.h>
+
+/// Stepper of the face. [main]
+@interface XeStepper : NSStepper
+@end

@@ -1,0 +1,4 @@
+#import "XeStepperCell.h"
+
+@implementation XeStepperCell
+@end

@@ -1,0 +1,4 @@
+#import "XeTextFieldCell.h"
+
+@implementation XeTextFieldCell
+@end
