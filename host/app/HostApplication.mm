@@ -17,8 +17,11 @@ void prepareFrameworks(const char* programName, double scale)
     [[NSProcessInfo processInfo] setProcessName:@"Tarvel"];
     [[NSUserDefaults standardUserDefaults] registerDefaults:@{
         // Alt is Option and Super is Command.
+        @"GSAlternateKeyString" : @"Alt+",
+        @"GSCommandKeyString" : @"Super+",
         @"GSFirstAlternateKey" : @"Alt_L",
         @"GSFirstCommandKey" : @"Super_L",
+        @"GSShiftKeyString" : @"Shift+",
         // Glyphs and their widths unfitted to pixels: fitted at scale 1, they collide at scale 2.
         @"GSFontHinting" : @(0x11),
         @"GSScaleFactor" : @(scale),

@@ -44,7 +44,6 @@ void installMainMenu()
     addMenu(bar, makeMenu(@"File", {{@"Open…", @selector(openDocument:), @"o"}}));
     addMenu(bar, makeMenu(@"Edit", {
                                        {@"Undo", @selector(undo:), @"z"},
-                                       {@"Redo", @selector(redo:), @"Z"},
                                        {nil, nullptr, nil},
                                        {@"Cut", @selector(cut:), @"x"},
                                        {@"Copy", @selector(copy:), @"c"},

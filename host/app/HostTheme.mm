@@ -53,6 +53,7 @@ const ColorRow kColors[] = {
 };
 // clang-format on
 
+NSString* const kThemeName = @"tarvel-host";
 constexpr CGFloat kMenuItemHeight = 24;
 
 } // namespace
@@ -62,9 +63,22 @@ constexpr CGFloat kMenuItemHeight = 24;
 + (void)install
 {
     GSTheme* const theme = [[self alloc] initWithBundle:[NSBundle mainBundle]];
-    [theme setName:@"tarvel-host"];
+    [theme setName:kThemeName];
     [GSTheme setTheme:theme];
     [theme release];
+    [self _nameInDefaults];
+}
+
+// At every change of the user defaults the framework installs the theme they name, unless that is
+// the present one. Words of a command line win over what the user has set for all programs.
++ (void)_nameInDefaults
+{
+    NSUserDefaults* const defaults = [NSUserDefaults standardUserDefaults];
+    NSMutableDictionary* const arguments =
+        [[[defaults volatileDomainForName:NSArgumentDomain] mutableCopy] autorelease];
+    [arguments setObject:kThemeName forKey:@"GSTheme"];
+    [defaults removeVolatileDomainForName:NSArgumentDomain];
+    [defaults setVolatileDomain:arguments forName:NSArgumentDomain];
 }
 
 - (NSColorList*)colors

@@ -20,8 +20,10 @@ NSRect columnRect(const PeakRange& peaks, CGFloat x, CGFloat width, NSRect lane)
     const CGFloat half = NSHeight(lane) / 2;
     const CGFloat low = NSMidY(lane) + half * std::clamp<CGFloat>(peaks.lowest, -1, 1);
     const CGFloat high = NSMidY(lane) + half * std::clamp<CGFloat>(peaks.highest, -1, 1);
-    const CGFloat height = std::max(high - low, kThinnest);
-    return NSMakeRect(x, (low + high - height) / 2, width, height);
+    if (high - low < kThinnest) {
+        return NSMakeRect(x, std::floor(low), width, kThinnest); // not blurred over two pixels
+    }
+    return NSMakeRect(x, low, width, high - low);
 }
 
 } // namespace
