@@ -73,14 +73,15 @@ NSRect columnRect(const PeakRange& peaks, CGFloat x, CGFloat width, NSRect lane)
     const CGFloat width = 1 / [[self window] userSpaceScaleFactor]; // a pixel
     const double framesPerPoint =
         static_cast<double>(m_engine->recording().frames()) / NSWidth(lane);
-    const CGFloat start = std::max(std::floor(NSMinX(dirtyRect)), NSMinX(lane));
-    const CGFloat end = std::min(NSMaxX(dirtyRect), NSMaxX(lane));
+    const CGFloat start = std::max(NSMinX(dirtyRect), NSMinX(lane)) - NSMinX(lane);
+    const CGFloat end = std::min(NSMaxX(dirtyRect), NSMaxX(lane)) - NSMinX(lane);
     std::vector<NSRect> columns;
-    for (CGFloat x = start; x < end; x += width) {
-        const auto first = static_cast<std::uint64_t>((x - NSMinX(lane)) * framesPerPoint);
-        const auto last = static_cast<std::uint64_t>((x + width - NSMinX(lane)) * framesPerPoint);
+    for (auto i = static_cast<long>(start / width); static_cast<CGFloat>(i) * width < end; ++i) {
+        const CGFloat x = static_cast<CGFloat>(i) * width;
+        const auto first = static_cast<std::uint64_t>(x * framesPerPoint);
+        const auto last = static_cast<std::uint64_t>((x + width) * framesPerPoint);
         const PeakRange peaks = m_engine->peaks().range(channel, first, std::max(last, first + 1));
-        columns.push_back(columnRect(peaks, x, width, lane));
+        columns.push_back(columnRect(peaks, NSMinX(lane) + x, width, lane));
     }
     [look::waveform() set];
     NSRectFillList(columns.data(), static_cast<NSInteger>(columns.size()));
