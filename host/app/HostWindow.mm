@@ -131,7 +131,7 @@ NSTextField* makeLabel(NSRect frame, NSFont* font, NSColor* color)
     if (result.recording != nullptr) {
         [self showRecording:result.recording];
     }
-    return result.problem;
+    return result.problem + result.warning; // at most one of them
 }
 
 - (void)openDocument:(id)sender
@@ -140,10 +140,9 @@ NSTextField* makeLabel(NSRect frame, NSFont* font, NSColor* color)
     if ([panel runModalForTypes:nil] != NSOKButton) {
         return;
     }
-    const std::string problem = [self openFile:[[panel filename] fileSystemRepresentation]];
-    if (!problem.empty()) {
-        NSRunAlertPanel(@"The recording cannot be opened", @"%@", @"OK", nil, nil,
-                        fromUtf8(problem));
+    const std::string message = [self openFile:[[panel filename] fileSystemRepresentation]];
+    if (!message.empty()) {
+        NSRunAlertPanel(@"Open", @"%@", @"OK", nil, nil, fromUtf8(message));
     }
 }
 
