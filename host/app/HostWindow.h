@@ -41,7 +41,8 @@
 - (EditorPane*)editorPane;
 - (TarvelEffect*)effect;
 
-/// Closes the editor, then gives up the effect. Harmless when repeated.
+/// Closes the editor, then gives up the effect. Harmless when repeated; nothing else may be asked
+/// of the window afterwards.
 - (void)close;
 
 @end
