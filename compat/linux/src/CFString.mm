@@ -4,8 +4,12 @@
 
 #import <Foundation/Foundation.h>
 
+#include <unicode/unorm2.h>
+
+#include <bit>
 #include <cstdlib>
 #include <cstring>
+#include <iterator>
 #include <map>
 #include <mutex>
 #include <string>
@@ -43,6 +47,15 @@ NSString* _createFromBytes(const UInt8* bytes, CFIndex byteCount, CFStringEncodi
     return nil;
 }
 
+// Not initWithCharacters:, which takes a byte-order mark at the start for one.
+NSString* _createFromUnits(const UniChar* units, std::size_t count)
+{
+    constexpr NSStringEncoding kNative = std::endian::native == std::endian::big
+                                             ? NSUTF16BigEndianStringEncoding
+                                             : NSUTF16LittleEndianStringEncoding;
+    return [[NSString alloc] initWithBytes:units length:count * sizeof(UniChar) encoding:kNative];
+}
+
 // The characters of a range as an array, copied only when the range is long.
 class Units {
 public:
@@ -66,6 +79,13 @@ private:
     UniChar m_short[kShort];
     std::vector<UniChar> m_long;
 };
+
+// In the order of the forms' values.
+constexpr const UNormalizer2* (*kNormalizers[])(UErrorCode*) = {
+    unorm2_getNFDInstance, unorm2_getNFKDInstance, unorm2_getNFCInstance, unorm2_getNFKCInstance};
+
+// No character becomes more than 18 UTF-16 units in any form (UAX #15, table of expansion factors).
+constexpr std::size_t kMaximumGrowth = 18;
 
 bool _isAscii(CFStringRef string)
 {
@@ -98,9 +118,7 @@ CFStringRef CFStringCreateWithBytes(CFAllocatorRef, const UInt8* bytes, CFIndex 
         }
         const auto units = decodeUnits(*form, isExternalRepresentation, bytes,
                                        static_cast<std::size_t>(byteCount));
-        return units ? _reference([[NSString alloc] initWithCharacters:units->data()
-                                                                length:units->size()])
-                     : nullptr;
+        return units ? _reference(_createFromUnits(units->data(), units->size())) : nullptr;
     }
 }
 
@@ -117,9 +135,12 @@ CFStringRef CFStringCreateWithBytesNoCopy(CFAllocatorRef allocator, const UInt8*
     return made;
 }
 
+// Not mutableCopy, which drops a byte-order mark at the start and fails on half a pair.
 CFMutableStringRef CFStringCreateMutableCopy(CFAllocatorRef, CFIndex, CFStringRef string)
 {
-    return reinterpret_cast<CFMutableStringRef>([_string(string) mutableCopy]);
+    NSMutableString* const copy = [[NSMutableString alloc] init];
+    [copy appendString:_string(string)];
+    return reinterpret_cast<CFMutableStringRef>(copy);
 }
 
 CFIndex CFStringGetLength(CFStringRef string)
@@ -157,28 +178,27 @@ const char* CFStringGetCStringPtr(CFStringRef string, CFStringEncoding encoding)
     return [_string(string) UTF8String];
 }
 
+// ICU itself, because Foundation's functions over it drop a byte-order mark at the start.
 void CFStringNormalize(CFMutableStringRef string, CFStringNormalizationForm form)
 {
-    @autoreleasepool {
-        auto* const text = reinterpret_cast<NSMutableString*>(string);
-        NSString* normal = text;
-        switch (form) {
-        case kCFStringNormalizationFormD:
-            normal = [text decomposedStringWithCanonicalMapping];
-            break;
-        case kCFStringNormalizationFormKD:
-            normal = [text decomposedStringWithCompatibilityMapping];
-            break;
-        case kCFStringNormalizationFormC:
-            normal = [text precomposedStringWithCanonicalMapping];
-            break;
-        case kCFStringNormalizationFormKC:
-            normal = [text precomposedStringWithCompatibilityMapping];
-            break;
-        default:
-            return;
-        }
-        [text setString:normal];
+    if (form < 0 || form >= static_cast<CFStringNormalizationForm>(std::size(kNormalizers))) {
+        return;
+    }
+    const Units units(string, CFRangeMake(0, CFStringGetLength(string)));
+    UErrorCode error = U_ZERO_ERROR;
+    const UNormalizer2* const normalizer = kNormalizers[form](&error);
+    std::vector<UniChar> normal(units.length() * kMaximumGrowth);
+    const int32_t length = unorm2_normalize(
+        normalizer, reinterpret_cast<const UChar*>(units.data()),
+        static_cast<int32_t>(units.length()), reinterpret_cast<UChar*>(normal.data()),
+        static_cast<int32_t>(normal.size()), &error);
+    if (U_FAILURE(error)) {
+        return;
+    }
+    NSString* const result = _createFromUnits(normal.data(), static_cast<std::size_t>(length));
+    if (result != nil) {
+        [reinterpret_cast<NSMutableString*>(string) setString:result];
+        [result release];
     }
 }
 

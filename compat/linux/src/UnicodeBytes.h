@@ -19,7 +19,7 @@ struct UnitForm {
 std::optional<UnitForm> unitFormOf(CFStringEncoding encoding);
 
 /// Reads UTF-16 or UTF-32 bytes. Strict with UTF-32: surrogates and values above 0x10FFFF are
-/// refused. UTF-16 units are taken as they are.
+/// refused. UTF-16 units are taken as they are; Foundation refuses lone surrogates among them.
 /// @param withMark  A byte-order mark at the start gives the order and is taken away, unless the
 ///                  form names its order.
 /// @return Nothing for bytes that are not valid or no whole number of units.

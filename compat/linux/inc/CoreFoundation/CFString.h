@@ -39,10 +39,9 @@ CF_EXPORT CFStringRef __CFStringMakeConstantString(const char* text);
 #define CFSTR(literal) __CFStringMakeConstantString("" literal)
 #endif
 
-/// Makes a string from encoded bytes. Strict: bytes that are not valid in the encoding give null;
-/// that is, for UTF-32, a surrogate value, a value above 0x10FFFF or a byte count not divisible by
-/// 4. UTF-16 units are taken as they are. The LE and BE encodings keep a byte-order mark as a
-/// character.
+/// Makes a string from encoded bytes. Strict: bytes that are not valid in the encoding give null,
+/// in UTF-32 and UTF-16 also a lone surrogate, a value above 0x10FFFF or half a unit at the end.
+/// The LE and BE encodings keep a byte-order mark as a character; UTF-8 loses one at the start.
 ///
 /// @param bytes     May be null when `byteCount` is 0.
 /// @param isExternalRepresentation  True when the bytes of a plain UTF-16 or UTF-32 encoding may
@@ -76,7 +75,8 @@ CF_EXPORT UniChar CFStringGetCharacterAtIndex(CFStringRef string, CFIndex index)
 /// @param range       In UTF-16 units; must lie inside the string. A surrogate whose other half
 ///                    is outside the range counts as a lone one.
 /// @param lossByte    Replaces a character that the encoding does not have, in UTF-32 as one unit
-///                    of that value. 0 stops there. Only UTF-16 has lone surrogates.
+///                    of that value. 0 stops there. Only UTF-16 has lone surrogates, which a string
+///                    may contain after it was cut.
 /// @param isExternalRepresentation  True writes a byte-order mark first, with plain UTF-16 and
 ///                    UTF-32 only.
 /// @param buffer      Null writes nothing and counts the bytes that would be needed.
@@ -95,7 +95,8 @@ CF_EXPORT CFIndex CFStringGetBytes(CFStringRef string, CFRange range, CFStringEn
 /// @return Valid until the calling thread's autorelease pool is drained.
 CF_EXPORT const char* CFStringGetCStringPtr(CFStringRef string, CFStringEncoding encoding);
 
-/// Normalises the string in place (Unicode UAX #15). A form not named above changes nothing.
+/// Normalises the string in place (Unicode UAX #15). A form not named above changes nothing, and a
+/// text with a lone surrogate stays as it is.
 CF_EXPORT void CFStringNormalize(CFMutableStringRef string, CFStringNormalizationForm form);
 
 /// Writes the bytes that name a file of that name or path, terminated: UTF-8. Names are kept as
