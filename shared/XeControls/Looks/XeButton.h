@@ -1,7 +1,7 @@
 #pragma once
 
-#import <AppKit/AppKit.h>
+#import <AppKit/NSButton.h>
 
-/// Push button of the face. [main]
+/// Push button of the face. Takes the keyboard; Space and Return push it. [main]
 @interface XeButton : NSButton
 @end

@@ -9,4 +9,16 @@
     return [XeButtonCell class];
 }
 
+- (BOOL)becomeFirstResponder
+{
+    [self setNeedsDisplay:YES];
+    return [super becomeFirstResponder];
+}
+
+- (BOOL)resignFirstResponder
+{
+    [self setNeedsDisplay:YES];
+    return [super resignFirstResponder];
+}
+
 @end

@@ -1,7 +1,11 @@
 #pragma once
 
-#import <AppKit/AppKit.h>
+#import "XeHover.h"
 
-/// Draws the face's look. [main]
-@interface XeButtonCell : NSButtonCell
+#import <AppKit/NSButtonCell.h>
+
+/// Push button: its title on a raised surface. [main]
+@interface XeButtonCell : NSButtonCell {
+    xenon::Hover m_hover;
+}
 @end

@@ -1,6 +1,10 @@
 #pragma once
 
-#import <AppKit/AppKit.h>
+#import <Foundation/NSObject.h>
+
+#include <cstdint>
+
+@class NSColor, NSFont;
 
 /// Every colour of the face, by what it is for. Values and contrast are in the table of the source.
 enum class XeTone : unsigned {
@@ -28,7 +32,7 @@ enum class XeTone : unsigned {
 /// Fonts of the face, by what they are for.
 enum class XeFontRole : unsigned {
     Text,   ///< labels, titles, pop-ups
-    Number, ///< values in fields; all digits are equally wide
+    Number, ///< values in fields; drawn with xenon::draw::numberText
     Small,  ///< units and remarks
     Strong, ///< headings
     Count_  ///< number of roles, not a role
@@ -51,7 +55,7 @@ struct XeRgb {
 + (NSColor*)color:(XeTone)tone;
 
 /// Font of `role`; owned by the palette. Inter where it is installed, else DejaVu Sans, else the
-/// system font. Numbers take the first of these whose digits are all equally wide.
+/// system font.
 + (NSFont*)font:(XeFontRole)role;
 
 @end
@@ -68,6 +72,7 @@ constexpr double kKnobDiameter = 14.0;
 constexpr double kGrooveHeight = 4.0;
 constexpr double kRadioDiameter = 14.0;
 constexpr double kFontSize = 12.0;
+constexpr double kNumberSize = 12.0;
 constexpr double kSmallFontSize = 11.0;
 
 } // namespace xenon::metrics

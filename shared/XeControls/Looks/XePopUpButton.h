@@ -1,7 +1,10 @@
 #pragma once
 
-#import <AppKit/AppKit.h>
+#import <AppKit/NSPopUpButton.h>
 
 /// Pop-up button of the face. [main]
+///
+/// With the keyboard on it, the up and down arrow keys choose the item before and after, and send
+/// the action when that changed the selection; Space opens the list as NSPopUpButton does.
 @interface XePopUpButton : NSPopUpButton
 @end

@@ -1,12 +1,46 @@
 #import "XePopUpButton.h"
 
+#import "XeKeys.h"
 #import "XePopUpButtonCell.h"
+
+#import <AppKit/NSEvent.h>
 
 @implementation XePopUpButton
 
 + (Class)cellClass
 {
     return [XePopUpButtonCell class];
+}
+
+- (BOOL)acceptsFirstResponder
+{
+    return [self isEnabled];
+}
+
+- (BOOL)becomeFirstResponder
+{
+    [self setNeedsDisplay:YES];
+    return [super becomeFirstResponder];
+}
+
+- (BOOL)resignFirstResponder
+{
+    [self setNeedsDisplay:YES];
+    return [super resignFirstResponder];
+}
+
+- (void)keyDown:(NSEvent*)event
+{
+    const int direction = xenon::verticalArrow(event);
+    if (direction == 0) {
+        [super keyDown:event];
+        return;
+    }
+    const NSInteger wanted = [self indexOfSelectedItem] - direction;
+    if (wanted >= 0 && wanted < [self numberOfItems]) {
+        [self selectItemAtIndex:wanted];
+        [self sendAction:[self action] to:[self target]];
+    }
 }
 
 @end

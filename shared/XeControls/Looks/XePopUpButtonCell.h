@@ -1,7 +1,12 @@
 #pragma once
 
-#import <AppKit/AppKit.h>
+#import "XeHover.h"
 
-/// Draws the face's look. [main]
-@interface XePopUpButtonCell : NSPopUpButtonCell
+#import <AppKit/NSPopUpButtonCell.h>
+
+/// Pop-up button: the selected item's picture and title on a raised surface, with an arrow down. The
+/// open list is the host's menu. [main]
+@interface XePopUpButtonCell : NSPopUpButtonCell {
+    xenon::Hover m_hover;
+}
 @end

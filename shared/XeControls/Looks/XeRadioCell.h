@@ -1,7 +1,11 @@
 #pragma once
 
-#import <AppKit/AppKit.h>
+#import "XeHover.h"
 
-/// Draws the face's look. [main]
-@interface XeRadioCell : NSButtonCell
+#import <AppKit/NSButtonCell.h>
+
+/// Radio button: a ring, with a dot in the accent when chosen, and the title beside it. [main]
+@interface XeRadioCell : NSButtonCell {
+    xenon::Hover m_hover;
+}
 @end

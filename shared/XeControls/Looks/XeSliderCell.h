@@ -1,7 +1,14 @@
 #pragma once
 
-#import <AppKit/AppKit.h>
+#import "XeDraw.h"
+#import "XeHover.h"
 
-/// Draws the face's look. [main]
-@interface XeSliderCell : NSSliderCell
+#import <AppKit/NSSliderCell.h>
+
+/// Slider: a groove, filled in the accent up to a round knob. Horizontal sliders fill from the left,
+/// vertical ones from the bottom. [main]
+@interface XeSliderCell : NSSliderCell {
+    xenon::Hover m_hover;
+    xenon::draw::State m_state; // while drawing
+}
 @end

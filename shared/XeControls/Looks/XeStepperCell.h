@@ -1,7 +1,11 @@
 #pragma once
 
-#import <AppKit/AppKit.h>
+#import "XeHover.h"
 
-/// Draws the face's look. [main]
-@interface XeStepperCell : NSStepperCell
+#import <AppKit/NSStepperCell.h>
+
+/// Stepper: an arrow up over an arrow down on one raised surface. [main]
+@interface XeStepperCell : NSStepperCell {
+    xenon::Hover m_hover;
+}
 @end

@@ -1,28 +1,43 @@
 #pragma once
 
-#import <AppKit/AppKit.h>
+#include "LengthText.h"
+
+#import "XeValueField.h"
 
 #include <cstdint>
 
+@class NSMenu;
+
 /// Shows and edits a whole sample count in one of the position formats. [main]
 ///
-/// The object value is a boxed signed 64-bit sample count.
-@interface LengthTimeField : NSTextField {
-    std::uint32_t m_format;
+/// The object value is a boxed signed 64-bit sample count, exact over the whole range. LengthText
+/// says how it is written and what may be typed; a typed count outside the limits is clamped to the
+/// nearer one, anything else that is no count is refused with a beep.
+///
+/// While the field is edited the up and down arrow keys and the wheel step the part of the text
+/// that holds the caret and send the action for each step; see LengthText::step.
+///
+/// The context menu opens with the right button or Control and the left one, and while the field is
+/// edited with the menu key or Shift-F10.
+@interface LengthTimeField : XeValueField {
+    LengthText m_text;
+    std::int64_t m_minSamples;
+    std::int64_t m_maxSamples;
 }
 
 /// Display format, a `_zqposfmt_format` value.
 - (void)setFormat:(std::uint32_t)format;
 - (std::uint32_t)format;
 
-/// Samples per second used between samples and time or frames. Hz; also stored, rounded down, as
-/// the sample rate of the field's own format object.
+/// Samples per second used between samples and time or frames, Hz; also given to the field's own
+/// format object, rounded. Rates and tempos that are not above 0 are ignored, here and below.
 - (void)setFrameAndSampleRate:(double)rate;
 
 /// Samples per second of the field's own format object (the one `getIncrement` asks). Hz, integral.
 - (void)setSampleRate:(double)rate;
 
-/// Frames per second of the formats that have no rate of their own.
+/// Frames per second of the formats that have no rate of their own; the others ignore it. A new
+/// format with a rate of its own brings that rate along.
 - (void)setFrameRate:(double)rate;
 
 /// Beats per minute.
@@ -51,7 +66,7 @@
 /// `validateUserInterfaceItem:` when the menu opens.
 - (NSMenu*)createDefaultMenuWithTarget:(id)target;
 
-/// Sets the field's context menu, retained. It also opens while the field is edited.
+/// Sets the field's context menu, retained.
 - (void)setDefaultMenu:(NSMenu*)menu;
 
 @end
