@@ -114,16 +114,40 @@ private:
 
 // --- what a new slider is ------------------------------------------------------------------------
 
+// clang-format off
+const struct { NSString* name; double atFirst; } kProperties[] = {
+    { @"tinyStep",      0.01 },
+    { @"smallStep",     0.1  },
+    { @"basicStep",     1    },
+    { @"largeStep",     5    },
+    { @"muchoStep",    10    },
+    { @"grandStep",   100    },
+    { @"defaultValue",  0    },
+};
+// clang-format on
+
 TEST_F(Slider, StartsWithItsSixStepsAndTakesTheFocusOnClick)
 {
-    EXPECT_EQ([m_slider tinyStep], 0.01);
-    EXPECT_EQ([m_slider smallStep], 0.1);
-    EXPECT_EQ([m_slider basicStep], 1.0);
-    EXPECT_EQ([m_slider largeStep], 5.0);
-    EXPECT_EQ([m_slider muchoStep], 10.0);
-    EXPECT_EQ([m_slider grandStep], 100.0);
-    EXPECT_EQ([m_slider defaultValue], 0.0);
+    for (const auto& row : kProperties) {
+        SCOPED_TRACE([row.name UTF8String]);
+        EXPECT_EQ([[m_slider valueForKey:row.name] doubleValue], row.atFirst);
+    }
     EXPECT_TRUE([m_slider becomeFirstResponderOnClick]);
+}
+
+TEST_F(Slider, KeepsEachOfItsPropertiesApart)
+{
+    double number = 0.5;
+    for (const auto& row : kProperties) {
+        [m_slider setValue:@(number++) forKey:row.name];
+    }
+    number = 0.5;
+    for (const auto& row : kProperties) {
+        SCOPED_TRACE([row.name UTF8String]);
+        EXPECT_EQ([[m_slider valueForKey:row.name] doubleValue], number++);
+    }
+    [m_slider setBecomeFirstResponderOnClick:NO];
+    EXPECT_FALSE([m_slider becomeFirstResponderOnClick]);
 }
 
 TEST_F(Slider, DrawsItselfWithTheCellOfTheFace)
@@ -136,26 +160,6 @@ TEST_F(Slider, StartsAsItsOwnTarget)
     XeSlider* const slider = [[[XeSlider alloc] initWithFrame:kWide] autorelease];
     EXPECT_EQ([slider target], slider);
     EXPECT_STREQ(actionName(slider), "sliderChanged:");
-}
-
-TEST_F(Slider, KeepsWhatIsStoredInItsProperties)
-{
-    [m_slider setTinyStep:1.5];
-    [m_slider setSmallStep:2.5];
-    [m_slider setBasicStep:3.5];
-    [m_slider setLargeStep:4.5];
-    [m_slider setMuchoStep:5.5];
-    [m_slider setGrandStep:6.5];
-    [m_slider setDefaultValue:7.5];
-    [m_slider setBecomeFirstResponderOnClick:NO];
-    EXPECT_EQ([m_slider tinyStep], 1.5);
-    EXPECT_EQ([m_slider smallStep], 2.5);
-    EXPECT_EQ([m_slider basicStep], 3.5);
-    EXPECT_EQ([m_slider largeStep], 4.5);
-    EXPECT_EQ([m_slider muchoStep], 5.5);
-    EXPECT_EQ([m_slider grandStep], 6.5);
-    EXPECT_EQ([m_slider defaultValue], 7.5);
-    EXPECT_FALSE([m_slider becomeFirstResponderOnClick]);
 }
 
 TEST_F(Slider, NamesItsTwoNotifications)
