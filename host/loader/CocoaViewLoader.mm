@@ -54,14 +54,23 @@ ViewInfo::~ViewInfo()
     }
 }
 
-CocoaView problem(NSString* format, NSString* detail = @"")
+CocoaView problem(NSString* format, ...) NS_FORMAT_FUNCTION(1, 2);
+
+CocoaView problem(NSString* format, ...)
 {
-    return {.problem = [NSString stringWithFormat:format, detail]};
+    va_list arguments;
+    va_start(arguments, format);
+    NSString* const text = [[NSString alloc] initWithFormat:format arguments:arguments];
+    va_end(arguments);
+    return {.problem = [text autorelease]};
 }
 
 bool isViewFactory(Class factory)
 {
-    return [factory conformsToProtocol:@protocol(AUCocoaUIBase)] &&
+    // By name, since on GNUstep the runtime prepares a @protocol() expression only in a program
+    // that has a class of its own with that protocol.
+    Protocol* const protocol = NSProtocolFromString(@"AUCocoaUIBase");
+    return protocol != nil && [factory conformsToProtocol:protocol] &&
            [factory instancesRespondToSelector:@selector(interfaceVersion)] &&
            [factory instancesRespondToSelector:@selector(uiViewForAudioUnit:withSize:)];
 }
@@ -96,9 +105,8 @@ CocoaView openStepByStep(AudioUnit unit, NSSize preferredSize)
     }
     Class const factory = [bundle classNamed:info.className()];
     if (factory == nil) {
-        return problem([@"The bundle has no class “%@”: "
-                           stringByAppendingString:[[bundle bundlePath] lastPathComponent]],
-                       info.className());
+        return problem(@"The bundle “%@” has no class “%@”.",
+                       [[bundle bundlePath] lastPathComponent], info.className());
     }
     if (!isViewFactory(factory)) {
         return problem(@"The class “%@” is no view factory.", info.className());
