@@ -1,15 +1,19 @@
 #include "XeUtil.h"
-#include "XeSafeCRT.h"
 
+#include "XePath.h"
+#include "XeSafeCRT.h"
 #include "text/NumericStyle.h"
 
 #include <boost/container/small_vector.hpp>
 #include <boost/lexical_cast.hpp>
 
+#include <algorithm>
 #include <cwchar>
 #include <memory>
 #include <optional>
 #include <string_view>
+#include <type_traits>
+#include <utility>
 
 namespace {
 
@@ -20,6 +24,34 @@ bool _isBlank(wchar_t c) { return c == L' ' || c == L'\t'; }
 bool _isLetter(wchar_t c) { return (c >= L'a' && c <= L'z') || (c >= L'A' && c <= L'Z'); }
 
 bool _isExponentMark(wchar_t c) { return c == L'e' || c == L'E'; }
+
+template <class Integer>
+const wchar_t* _readInteger(const wchar_t* begin, const wchar_t* end, Integer& out)
+{
+    using Unsigned = std::make_unsigned_t<Integer>; // wraps where the signed type must not
+    const NumericStyle& style = currentNumericStyle();
+    const wchar_t* at = begin;
+    while (at != end && style.isSpace(*at)) {
+        ++at;
+    }
+    const bool negative = at != end && *at == L'-';
+    if (at != end && (negative || *at == L'+')) {
+        ++at;
+    }
+    Unsigned value = 0;
+    for (; at != end; ++at) {
+        if (const std::uint32_t digit = digitValue(*at); digit < 10) {
+            value = value * 10 + digit;
+        } else if (*at != style.thousandsSeparator()) {
+            break;
+        }
+    }
+    out = static_cast<Integer>(negative ? Unsigned{0} - value : value);
+    while (at != end && style.isSpace(*at)) {
+        ++at;
+    }
+    return at;
+}
 
 /// Copies the characters of one unsigned number, without thousands separators, to `number`.
 /// Returns where they end.
@@ -124,7 +156,7 @@ template <class Iterator, class Integer>
 Iterator atoi(Iterator begin, Iterator end, Integer& out)
 {
     const wchar_t* const first = std::to_address(begin);
-    return begin + (readInteger(currentNumericStyle(), first, std::to_address(end), out) - first);
+    return begin + (_readInteger(first, std::to_address(end), out) - first);
 }
 
 template <class Iterator>
@@ -194,6 +226,20 @@ _XeString<wchar_t> doubleToString(double value, int precision, bool trim)
         text.erase(text.find_last_not_of(L".,") + 1);
     }
     return text;
+}
+
+_XeString<wchar_t> doubleToString(double value, int a, int b)
+{
+    const auto [fewest, most] = std::minmax(a, b);
+    const std::size_t kept = fewest > 0 ? static_cast<std::size_t>(fewest) + 1 : 0; // with the '.'
+
+    _XeString<wchar_t> text;
+    XeSprintf(text, L"%.*f", most, value);
+    _XeString<wchar_t> fraction = path::GetExtension(text);
+    while (fraction.size() > kept && (fraction.back() == L'0' || fraction.back() == L'.')) {
+        fraction.pop_back();
+    }
+    return path::ReplaceExtension(text, fraction);
 }
 
 } // namespace xenon::util
