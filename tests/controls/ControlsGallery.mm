@@ -65,8 +65,8 @@ public:
     explicit Gallery(NSString* folder) : m_folder(folder)
     {
         m_window = gui_test::makeWindow(NSMakeSize(kWidth, kHeight));
-        NSView* const background =
-            [[[GalleryBackground alloc] initWithFrame:NSMakeRect(0, 0, kWidth, kHeight)] autorelease];
+        NSView* const background = [[[GalleryBackground alloc]
+            initWithFrame:NSMakeRect(0, 0, kWidth, kHeight)] autorelease];
         [m_window setContentView:background];
         for (const bool isEnabled : {true, false}) {
             fillColumn(isEnabled);
@@ -155,11 +155,11 @@ private:
     void addRadios()
     {
         XeRadioMatrix* const matrix = [[[XeRadioMatrix alloc]
-            initWithFrame:NSMakeRect(m_left + 84, kHeight - m_row * kRowHeight - 22, 124, 22)
-                     mode:NSRadioModeMatrix
-                cellClass:[XeRadioCell class]
-             numberOfRows:1
-          numberOfColumns:2] autorelease];
+              initWithFrame:NSMakeRect(m_left + 84, kHeight - m_row * kRowHeight - 22, 124, 22)
+                       mode:NSRadioModeMatrix
+                  cellClass:[XeRadioCell class]
+               numberOfRows:1
+            numberOfColumns:2] autorelease];
         [matrix setCellSize:NSMakeSize(60, 22)];
         [[matrix cellAtRow:0 column:0] setTitle:@"dB"];
         [[matrix cellAtRow:0 column:1] setTitle:@"%"];
@@ -206,8 +206,7 @@ private:
             [[[NSBitmapImageRep alloc] initWithFocusedViewRect:[view bounds]] autorelease];
         [view unlockFocus];
         NSData* const data = [picture representationUsingType:NSPNGFileType properties:@{}];
-        NSString* const path =
-            [m_folder stringByAppendingPathComponent:@((name + ".png").c_str())];
+        NSString* const path = [m_folder stringByAppendingPathComponent:@((name + ".png").c_str())];
         if (![data writeToFile:path atomically:NO]) {
             std::fprintf(stderr, "cannot write %s\n", [path UTF8String]);
         }
