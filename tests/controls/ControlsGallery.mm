@@ -15,26 +15,12 @@
 #import "XeRadioCell.h"
 #import "XeRadioMatrix.h"
 #import "XeSlider.h"
-#import "XeSliderCell.h"
 #import "XeStepper.h"
 #import "XeThresholdField.h"
 #import "XeThresholdFormatter.h"
 
 #include <cstdio>
 #include <string>
-
-// The slider with the face's cell, whichever cell XeSlider takes by itself.
-@interface GallerySlider : XeSlider
-@end
-
-@implementation GallerySlider
-
-+ (Class)cellClass
-{
-    return [XeSliderCell class];
-}
-
-@end
 
 @interface GalleryBackground : NSView
 @end
@@ -147,7 +133,7 @@ private:
         label(@"Help");
         [add<XeButton>(84, 22) setTitle:@"?"];
         [add<XeButton>(116, 100) setTitle:@"Export"];
-        XeSlider* const slider = add<GallerySlider>(226, 22, 60);
+        XeSlider* const slider = add<XeSlider>(226, 22, 60);
         [slider setMaxValue:1];
         [slider setDoubleValue:0.4];
     }
@@ -169,7 +155,7 @@ private:
 
     void addSlider(double value)
     {
-        XeSlider* const slider = add<GallerySlider>(84, 160);
+        XeSlider* const slider = add<XeSlider>(84, 160);
         [slider setMinValue:-60];
         [slider setMaxValue:0];
         [slider setDoubleValue:value];

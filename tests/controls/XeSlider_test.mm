@@ -2,6 +2,7 @@
 
 #import "GuiTest.h"
 #import "SliderProbe.h"
+#import "XeSliderCell.h"
 #import "XeTry.h"
 
 #include <gmock/gmock.h>
@@ -14,7 +15,9 @@ using gui_test::centerOf;
 using gui_test::drag;
 using gui_test::mouseEvent;
 using gui_test::pressKey;
+using testing::Each;
 using testing::ElementsAre;
+using testing::StartsWith;
 
 namespace {
 
@@ -111,16 +114,45 @@ private:
 
 // --- what a new slider is ------------------------------------------------------------------------
 
+// clang-format off
+const struct { NSString* name; double atFirst; } kProperties[] = {
+    { @"tinyStep",      0.01 },
+    { @"smallStep",     0.1  },
+    { @"basicStep",     1    },
+    { @"largeStep",     5    },
+    { @"muchoStep",    10    },
+    { @"grandStep",   100    },
+    { @"defaultValue",  0    },
+};
+// clang-format on
+
 TEST_F(Slider, StartsWithItsSixStepsAndTakesTheFocusOnClick)
 {
-    EXPECT_EQ([m_slider tinyStep], 0.01);
-    EXPECT_EQ([m_slider smallStep], 0.1);
-    EXPECT_EQ([m_slider basicStep], 1.0);
-    EXPECT_EQ([m_slider largeStep], 5.0);
-    EXPECT_EQ([m_slider muchoStep], 10.0);
-    EXPECT_EQ([m_slider grandStep], 100.0);
-    EXPECT_EQ([m_slider defaultValue], 0.0);
+    for (const auto& row : kProperties) {
+        SCOPED_TRACE([row.name UTF8String]);
+        EXPECT_EQ([[m_slider valueForKey:row.name] doubleValue], row.atFirst);
+    }
     EXPECT_TRUE([m_slider becomeFirstResponderOnClick]);
+}
+
+TEST_F(Slider, KeepsEachOfItsPropertiesApart)
+{
+    double number = 0.5;
+    for (const auto& row : kProperties) {
+        [m_slider setValue:@(number++) forKey:row.name];
+    }
+    number = 0.5;
+    for (const auto& row : kProperties) {
+        SCOPED_TRACE([row.name UTF8String]);
+        EXPECT_EQ([[m_slider valueForKey:row.name] doubleValue], number++);
+    }
+    [m_slider setBecomeFirstResponderOnClick:NO];
+    EXPECT_FALSE([m_slider becomeFirstResponderOnClick]);
+}
+
+TEST_F(Slider, DrawsItselfWithTheCellOfTheFace)
+{
+    EXPECT_TRUE([[m_slider cell] isKindOfClass:[XeSliderCell class]]);
 }
 
 TEST_F(Slider, StartsAsItsOwnTarget)
@@ -128,26 +160,6 @@ TEST_F(Slider, StartsAsItsOwnTarget)
     XeSlider* const slider = [[[XeSlider alloc] initWithFrame:kWide] autorelease];
     EXPECT_EQ([slider target], slider);
     EXPECT_STREQ(actionName(slider), "sliderChanged:");
-}
-
-TEST_F(Slider, KeepsWhatIsStoredInItsProperties)
-{
-    [m_slider setTinyStep:1.5];
-    [m_slider setSmallStep:2.5];
-    [m_slider setBasicStep:3.5];
-    [m_slider setLargeStep:4.5];
-    [m_slider setMuchoStep:5.5];
-    [m_slider setGrandStep:6.5];
-    [m_slider setDefaultValue:7.5];
-    [m_slider setBecomeFirstResponderOnClick:NO];
-    EXPECT_EQ([m_slider tinyStep], 1.5);
-    EXPECT_EQ([m_slider smallStep], 2.5);
-    EXPECT_EQ([m_slider basicStep], 3.5);
-    EXPECT_EQ([m_slider largeStep], 4.5);
-    EXPECT_EQ([m_slider muchoStep], 5.5);
-    EXPECT_EQ([m_slider grandStep], 6.5);
-    EXPECT_EQ([m_slider defaultValue], 7.5);
-    EXPECT_FALSE([m_slider becomeFirstResponderOnClick]);
 }
 
 TEST_F(Slider, NamesItsTwoNotifications)
@@ -190,6 +202,7 @@ TEST_F(Slider, OfAnInterfaceDescriptionSendsTheConnectedAction)
     ASSERT_TRUE([slider isKindOfClass:[XeSlider class]]);
     EXPECT_EQ([slider target], m_listener);
     EXPECT_STREQ(actionName(slider), "sliderMoved:");
+    EXPECT_TRUE([[slider cell] isKindOfClass:[XeSliderCell class]]);
     EXPECT_EQ([slider doubleValue], -20);
     EXPECT_EQ([slider defaultValue], -20);
     EXPECT_EQ([slider basicStep], 1.0);
@@ -343,6 +356,23 @@ TEST_F(SliderKeys, OfTwoCharactersOrNoneOnlyTellTheHook)
     }
 }
 
+// Option and Up may well type something; what counts is the key.
+TEST_F(SliderKeys, AreReadIgnoringTheirModifiers)
+{
+    NSEvent* const event = [NSEvent keyEventWithType:NSKeyDown
+                                            location:NSZeroPoint
+                                       modifierFlags:kOption
+                                           timestamp:0
+                                        windowNumber:[m_window windowNumber]
+                                             context:[m_window graphicsContext]
+                                          characters:@"xy"
+                         charactersIgnoringModifiers:keyText(NSUpArrowFunctionKey)
+                                           isARepeat:NO
+                                             keyCode:0];
+    [m_slider keyDown:event];
+    EXPECT_EQ(value(), 0.1);
+}
+
 TEST_F(SliderKeys, ThatMeanNothingHereGoToTheBaseClass)
 {
     [m_slider setNextResponder:m_listener];
@@ -369,13 +399,13 @@ protected:
 TEST_F(SliderMouse, DragIsAnnouncedAroundItsValues)
 {
     drag(m_window, {at(0.5), at(0.6), at(0.75)});
-    ASSERT_GE(m_log.size(), 4u);
+    ASSERT_GE(m_log.size(), 5u);
     EXPECT_EQ(m_log.front(), "down");
     EXPECT_EQ(m_log[m_log.size() - 2], "up");
     EXPECT_EQ(m_log.back(), "hook");
-    for (std::size_t i = 1; i < m_log.size() - 2; ++i) {
-        EXPECT_EQ(m_log[i].substr(0, 7), "action ");
-    }
+    const SliderLog actions(m_log.begin() + 1, m_log.end() - 2);
+    EXPECT_THAT(actions, Each(StartsWith("action ")));
+    EXPECT_NE(actions.front(), actions.back()) << "values are sent while the drag goes on";
     EXPECT_GT(value(), 300);
     EXPECT_LT(value(), 700);
 }
@@ -411,6 +441,7 @@ TEST_F(SliderMouse, ClickLeavesTheFocusWhereItIsWhenToldSo)
     drag(m_window, {at(0.5)});
     EXPECT_NE([m_window firstResponder], m_slider);
     EXPECT_EQ(m_log.front(), "down");
+    EXPECT_TRUE([m_window makeFirstResponder:m_slider]) << "the keyboard still gets there";
 }
 
 TEST_F(SliderMouse, DoubleClickTakesTheFocusToo)
@@ -461,6 +492,42 @@ TEST_F(SliderMouse, DoubleClickOnABoundSliderWritesTheModel)
     doubleClick();
     EXPECT_EQ([m_model level], -18);
     EXPECT_THAT(m_log, ElementsAre("hook", "action -18"));
+}
+
+} // namespace
+
+// A slider that would accept the focus even when disabled.
+@interface EagerSlider : XeSlider
+@end
+
+@implementation EagerSlider
+- (BOOL)acceptsFirstResponder
+{
+    return YES;
+}
+@end
+
+namespace {
+
+// The press goes straight to the slider here, so no window has offered it the focus before.
+TEST_F(SliderMouse, PressItselfTakesTheFocusOfTheEnabledSliderOnly)
+{
+    // clang-format off
+    const struct { BOOL isEnabled, takesFocus; bool getsFocus; } rows[] = {
+        { YES, YES, true }, { YES, NO, false }, { NO, YES, false }, { NO, NO, false },
+    };
+    // clang-format on
+    EagerSlider* const slider = [[[EagerSlider alloc] initWithFrame:kWide] autorelease];
+    [[m_window contentView] addSubview:slider];
+    for (const auto& row : rows) {
+        SCOPED_TRACE(testing::Message() << "enabled " << int{row.isEnabled});
+        [m_window makeFirstResponder:nil];
+        [slider setEnabled:row.isEnabled];
+        [slider setBecomeFirstResponderOnClick:row.takesFocus];
+        [slider mouseDown:mouseEvent(m_window, NSLeftMouseDown, at(0.5), 2)];
+        EXPECT_EQ([m_window firstResponder] == slider, row.getsFocus);
+    }
+    [slider removeFromSuperview];
 }
 
 // --- values --------------------------------------------------------------------------------------
@@ -640,7 +707,7 @@ TEST_F(Slider, LongerPathIsNotFollowed)
     [slider setBinding:@{NSObservedObjectKey : model, NSObservedKeyPathKey : @"self.self.level"}];
     char text[256] = "";
     EXPECT_EQ(XeTry(setThroughDottedPath, slider, text, sizeof text), 1);
-    EXPECT_THAT(text, testing::StartsWith("NSUnknownKeyException"));
+    EXPECT_THAT(text, StartsWith("NSUnknownKeyException"));
 }
 
 } // namespace

@@ -60,6 +60,7 @@ NSDictionary* textAttributes(NSColor* color, NSFont* font, NSTextAlignment align
 
 /// Spaces the ASCII characters of `string` as the font's designer meant, where the layout would
 /// round every advance to whole points, and makes all digits equally wide. Sets kerning, in place.
+/// Texts of more than 200 characters stay as they are.
 void space(NSMutableAttributedString* string, NSFont* font);
 
 } // namespace xenon::draw

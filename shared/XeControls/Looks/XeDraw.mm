@@ -79,6 +79,9 @@ struct Spacing {
 
 constexpr double kReferenceSize = 1000;
 
+// Every spaced character is laid out by itself, which takes seconds for a pasted page.
+constexpr NSUInteger kLongestSpaced = 200;
+
 // Advances are rounded to whole points where text is laid out, which shows in small type. What
 // was rounded off is the difference to the advance in large type. Digits get the widest digit's.
 void _fillSpacing(Spacing& spacing)
@@ -210,6 +213,9 @@ NSDictionary* textAttributes(NSColor* color, NSFont* font, NSTextAlignment align
 
 void text(NSString* string, NSRect frame, NSDictionary* attributes)
 {
+    if ([string length] == 0) {
+        return;
+    }
     NSFont* const font = [attributes objectForKey:NSFontAttributeName];
     NSMutableAttributedString* const spaced =
         [[NSMutableAttributedString alloc] initWithString:string attributes:attributes];
@@ -225,6 +231,9 @@ void text(NSString* string, NSRect frame, XeTone tone, XeFontRole role, NSTextAl
 
 void space(NSMutableAttributedString* string, NSFont* font)
 {
+    if ([string length] > kLongestSpaced) {
+        return;
+    }
     const Spacing& spacing = _spacingOf(font);
     NSString* const characters = [string string];
     for (NSUInteger i = 0; i < [characters length]; ++i) {

@@ -291,13 +291,15 @@ NSRange _clampedRange(NSRange range, NSUInteger length)
     [self setNeedsDisplay:YES];
 }
 
+// Clicks into the text of an edited field go to the field editor. Those that come here give the
+// field the keyboard, with everything selected, unless the window has done so already.
 - (void)mouseDown:(NSEvent*)event
 {
-    if ([self isEnabled] && [self currentEditor] == nil) {
+    if (![self isEnabled]) {
+        [super mouseDown:event];
+    } else if ([self currentEditor] == nil) {
         [[self window] makeFirstResponder:self];
-        return;
     }
-    [super mouseDown:event];
 }
 
 - (void)_dropTypedText

@@ -1,5 +1,7 @@
 #import "XeSlider.h"
 
+#import "XeSliderCell.h"
+
 #import <AppKit/NSApplication.h>
 #import <AppKit/NSCell.h>
 #import <AppKit/NSEvent.h>
@@ -19,15 +21,15 @@ namespace {
 // clang-format off
 constexpr struct StepKey {
     unichar key;
+    bool    takesPageStep;
     double  sign;
-    bool    isPage;   // takes the page steps
 } kStepKeys[] = {
-    { NSUpArrowFunctionKey,    +1, false },
-    { NSRightArrowFunctionKey, +1, false },
-    { NSDownArrowFunctionKey,  -1, false },
-    { NSLeftArrowFunctionKey,  -1, false },
-    { NSPageUpFunctionKey,     +1, true  },
-    { NSPageDownFunctionKey,   -1, true  },
+    { NSUpArrowFunctionKey,    false, +1 },
+    { NSRightArrowFunctionKey, false, +1 },
+    { NSDownArrowFunctionKey,  false, -1 },
+    { NSLeftArrowFunctionKey,  false, -1 },
+    { NSPageUpFunctionKey,     true,  +1 },
+    { NSPageDownFunctionKey,   true,  -1 },
 };
 // clang-format on
 
@@ -69,6 +71,11 @@ NSString* _withoutSelfPrefix(NSString* keyPath)
 @synthesize defaultValue;
 @synthesize becomeFirstResponderOnClick;
 
++ (Class)cellClass
+{
+    return [XeSliderCell class];
+}
+
 - (id)initWithFrame:(NSRect)frame
 {
     self = [super initWithFrame:frame];
@@ -99,11 +106,6 @@ NSString* _withoutSelfPrefix(NSString* keyPath)
     becomeFirstResponderOnClick = YES;
     [self setTarget:self];
     [self setAction:@selector(sliderChanged:)];
-}
-
-- (void)dealloc
-{
-    [super dealloc];
 }
 
 - (void)valueDidChange
@@ -167,11 +169,12 @@ NSString* _withoutSelfPrefix(NSString* keyPath)
     [self setBoundObjectValue:[self doubleValue] + delta];
 }
 
-- (double)_stepForPages:(bool)isPage modifiers:(NSUInteger)modifierFlags
+- (double)_stepOfKey:(const StepKey&)row modifiers:(NSUInteger)modifierFlags
 {
     const double arrowSteps[] = {basicStep, smallStep, tinyStep};
     const double pageSteps[] = {largeStep, muchoStep, grandStep};
-    return (isPage ? pageSteps : arrowSteps)[_stepColumn(modifierFlags)];
+    const double* const steps = row.takesPageStep ? pageSteps : arrowSteps;
+    return row.sign * steps[_stepColumn(modifierFlags)];
 }
 
 // The slider's cell knows its direction only once it has been drawn; the frame always does.
@@ -184,8 +187,7 @@ NSString* _withoutSelfPrefix(NSString* keyPath)
 - (void)_handleKey:(unichar)key ofEvent:(NSEvent*)event
 {
     if (const StepKey* const row = _findStepKey(key)) {
-        [self changeValueBy:row->sign * [self _stepForPages:row->isPage
-                                                  modifiers:[event modifierFlags]]];
+        [self changeValueBy:[self _stepOfKey:*row modifiers:[event modifierFlags]]];
     } else if (key == NSHomeFunctionKey) {
         [self setBoundObjectValue:[self _isHigherThanWide] ? [self maxValue] : [self minValue]];
     } else if (key == NSEndFunctionKey) {
@@ -225,11 +227,6 @@ NSString* _withoutSelfPrefix(NSString* keyPath)
     [super mouseDown:event];
     [center postNotificationName:XeSliderMouseUpNotification object:self];
     [self valueDidChange];
-}
-
-- (void)drawRect:(NSRect)rect
-{
-    [super drawRect:rect];
 }
 
 @end

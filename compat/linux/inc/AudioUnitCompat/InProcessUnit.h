@@ -6,12 +6,15 @@
 ///
 /// The client calls (`AudioUnitGetProperty` and its family) look the handle up among the live
 /// units and hand over to the virtual functions below, so a call on a unit that is already gone
-/// gives an error instead of a fault. Construction makes a unit live, destruction ends that and
-/// forgets its property listeners; registrations of event listeners on it just fall silent.
+/// gives kAudio_ParamError instead of a fault. Construction makes a unit live, destruction ends
+/// that and forgets its property listeners; registrations of event listeners on it just fall
+/// silent. No other thread may be inside a call on the unit when its destruction begins.
 ///
-/// Property functions are called on the main thread; the two parameter functions on any thread,
-/// so an implementation keeps its parameter values in atomics.
-struct ComponentInstanceRecord {
+/// The client calls make the checks that are the same for every unit, as their comments in
+/// <AudioUnit/AUComponent.h> say. Property functions are called on the thread of the client, which
+/// is no audio thread; the two parameter functions on any thread, so an implementation keeps its
+/// parameter values in atomics.
+struct __attribute__((visibility("default"))) ComponentInstanceRecord {
     ComponentInstanceRecord();
     virtual ~ComponentInstanceRecord();
     ComponentInstanceRecord(const ComponentInstanceRecord&) = delete;
@@ -27,8 +30,9 @@ struct ComponentInstanceRecord {
     virtual OSStatus getProperty(AudioUnitPropertyID property, AudioUnitScope scope,
                                  AudioUnitElement element, void* outData) = 0;
 
-    /// Stores the value of a property; objects are retained or copied. Announces it with
-    /// propertyChanged() where the property's rule says so.
+    /// Stores the value of a property; objects are retained or copied. The caller has checked that
+    /// it is writable and that `size` is the size told by getPropertyInfo(); null and 0 remove the
+    /// value. Announces it with propertyChanged() where the property's rule says so.
     virtual OSStatus setProperty(AudioUnitPropertyID property, AudioUnitScope scope,
                                  AudioUnitElement element, const void* data, UInt32 size) = 0;
 
@@ -39,7 +43,8 @@ struct ComponentInstanceRecord {
                                   AudioUnitElement element, AudioUnitParameterValue value,
                                   UInt32 bufferOffsetInFrames) = 0;
 
-    /// Calls every property listener of `property` synchronously on the calling thread.
+    /// Calls every property listener of `property` on the calling thread, and lets the event
+    /// listeners know. Any thread but an audio thread.
     void propertyChanged(AudioUnitPropertyID property, AudioUnitScope scope,
                          AudioUnitElement element);
 };

@@ -1,0 +1,4 @@
+#pragma once
+
+#include <AudioUnit/AUComponent.h>
+#include <AudioUnit/AudioUnitProperties.h>

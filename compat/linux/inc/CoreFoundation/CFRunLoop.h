@@ -1,0 +1,21 @@
+#pragma once
+
+#include <CoreFoundation/CFBase.h>
+
+CF_EXTERN_C_BEGIN
+
+/// The mode of an idle run loop; equal to NSDefaultRunLoopMode.
+CF_EXPORT const CFRunLoopMode kCFRunLoopDefaultMode;
+
+/// Stands for the default, event-tracking and modal-panel modes together. A run loop cannot run in
+/// it, and GNUstep does not expand it: only functions that say so take it.
+CF_EXPORT const CFRunLoopMode kCFRunLoopCommonModes;
+
+/// The run loop of the calling thread, made when it has none yet. Borrowed; lives as long as the
+/// thread.
+CF_EXPORT CFRunLoopRef CFRunLoopGetCurrent(void);
+
+/// The run loop of the main thread. Borrowed.
+CF_EXPORT CFRunLoopRef CFRunLoopGetMain(void);
+
+CF_EXTERN_C_END

@@ -1,0 +1,5 @@
+#include <CoreFoundation/CFDate.h>
+
+#import <Foundation/Foundation.h>
+
+CFAbsoluteTime CFAbsoluteTimeGetCurrent(void) { return [NSDate timeIntervalSinceReferenceDate]; }
