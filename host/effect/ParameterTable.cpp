@@ -32,17 +32,17 @@ constexpr auto kMs = kAudioUnitParameterUnit_Milliseconds;
 
 // clang-format off
 constexpr ParameterTraits kParameters[] = {
-    // id                        name                 unit       min               max             initial                        strings
-    { kFunctionParameter,         "Function",          kIndexed,  0,                kLastMode,      code(kInitial.function),       true },
-    { kAttackThresholdParameter,  "Attack Threshold",  kDecibels, kMinusInfinityDb, 0,              kInitial.attackThresholdDb,    false },
-    { kReleaseThresholdParameter, "Release Threshold", kDecibels, kMinusInfinityDb, 0,              kInitial.releaseThresholdDb,   false },
-    { kFadeInCurveParameter,      "Fade-In Curve",     kIndexed,  0,                kLastCurve,     code(kInitial.fadeInCurve),    false },
-    { kFadeInLengthParameter,     "Fade-In Length",    kMs,       0,                kLongestFadeMs, kInitial.fadeInLengthMs,       false },
-    { kFadeOutCurveParameter,     "Fade-Out Curve",    kIndexed,  0,                kLastCurve,     code(kInitial.fadeOutCurve),   false },
-    { kFadeOutLengthParameter,    "Fade-Out Length",   kMs,       0,                kLongestFadeMs, kInitial.fadeOutLengthMs,      false },
-    { kMinSilenceParameter,       "Minimum Silence",   kMs,       0,                kLongestFadeMs, kInitial.minSilenceMs,         false },
-    { kCropStartParameter,        "Crop Start",        kMs,       0,                kOneDayMs,      kInitial.cropStartMs,          false },
-    { kCropLengthParameter,       "Crop Length",       kMs,       0,                kOneDayMs,      kInitial.cropLengthMs,         false },
+    // name              id                          unit       min               max             initial                        strings
+    { "Function",          kFunctionParameter,         kIndexed,  0,                kLastMode,      code(kInitial.function),       true },
+    { "Attack Threshold",  kAttackThresholdParameter,  kDecibels, kMinusInfinityDb, 0,              kInitial.attackThresholdDb,    false },
+    { "Release Threshold", kReleaseThresholdParameter, kDecibels, kMinusInfinityDb, 0,              kInitial.releaseThresholdDb,   false },
+    { "Fade-In Curve",     kFadeInCurveParameter,      kIndexed,  0,                kLastCurve,     code(kInitial.fadeInCurve),    false },
+    { "Fade-In Length",    kFadeInLengthParameter,     kMs,       0,                kLongestFadeMs, kInitial.fadeInLengthMs,       false },
+    { "Fade-Out Curve",    kFadeOutCurveParameter,     kIndexed,  0,                kLastCurve,     code(kInitial.fadeOutCurve),   false },
+    { "Fade-Out Length",   kFadeOutLengthParameter,    kMs,       0,                kLongestFadeMs, kInitial.fadeOutLengthMs,      false },
+    { "Minimum Silence",   kMinSilenceParameter,       kMs,       0,                kLongestFadeMs, kInitial.minSilenceMs,         false },
+    { "Crop Start",        kCropStartParameter,        kMs,       0,                kOneDayMs,      kInitial.cropStartMs,          false },
+    { "Crop Length",       kCropLengthParameter,       kMs,       0,                kOneDayMs,      kInitial.cropLengthMs,         false },
 };
 // clang-format on
 

@@ -6,8 +6,8 @@ namespace host {
 
 /// What the effect tells of a parameter.
 struct ParameterTraits {
-    AudioUnitParameterID id;
     const char* name; // ASCII
+    AudioUnitParameterID id;
     AudioUnitParameterUnit unit;
     AudioUnitParameterValue minimum;
     AudioUnitParameterValue maximum;

@@ -28,6 +28,14 @@ constexpr UInt32 kFloatPackedNonInterleaved = 1U << 0 | 1U << 3 | 1U << 5;
 
 bool isRate(Float64 hz) { return std::isfinite(hz) && hz > 0; }
 
+/// Whether formats differ in nothing but rate and channels.
+bool isSameLayout(const AudioStreamBasicDescription& a, const AudioStreamBasicDescription& b)
+{
+    return a.mFormatID == b.mFormatID && a.mFormatFlags == b.mFormatFlags &&
+           a.mBytesPerPacket == b.mBytesPerPacket && a.mFramesPerPacket == b.mFramesPerPacket &&
+           a.mBytesPerFrame == b.mBytesPerFrame && a.mBitsPerChannel == b.mBitsPerChannel;
+}
+
 /// Nearest code of a list of `count` codes.
 template <typename Code>
 Code codeOf(AudioUnitParameterValue value, unsigned count)
@@ -300,11 +308,8 @@ OSStatus TarvelEffect::getStreamFormat(AudioUnitElement, void* outData)
 OSStatus TarvelEffect::setStreamFormat(const void* data)
 {
     const auto wanted = valueAt<AudioStreamBasicDescription>(data);
-    AudioStreamBasicDescription supported = format();
-    supported.mSampleRate = wanted.mSampleRate;
-    supported.mChannelsPerFrame = wanted.mChannelsPerFrame;
-    const bool sameLayout = std::memcmp(&wanted, &supported, sizeof wanted) == 0;
-    if (!sameLayout || !isRate(wanted.mSampleRate) || wanted.mChannelsPerFrame == 0) {
+    if (!isSameLayout(wanted, format()) || !isRate(wanted.mSampleRate) ||
+        wanted.mChannelsPerFrame == 0) {
         return kAudioUnitErr_FormatNotSupported;
     }
     adoptFormat(wanted.mSampleRate, wanted.mChannelsPerFrame);

@@ -1,4 +1,4 @@
-// Writes the sample recording: make-sample spoken-phrases.flac
+// Writes the sample recording: make-sample sample.flac
 //
 // Three phrases of speech-like syllables over a faint noise floor, with about a second of silence
 // before, between and after them. Every number comes from this file, so nobody's rights are

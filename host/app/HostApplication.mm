@@ -1,0 +1,119 @@
+#import "HostApplication.h"
+
+#import "HostMenu.h"
+#import "HostTheme.h"
+#import "Snapshot.h"
+
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+
+namespace host {
+
+void prepareFrameworks(const char* programName, double scale)
+{
+    char* words[] = {const_cast<char*>(programName), nullptr};
+    [NSProcessInfo initializeWithArguments:words count:1 environment:environ];
+    [[NSProcessInfo processInfo] setProcessName:@"Tarvel"];
+    [[NSUserDefaults standardUserDefaults] registerDefaults:@{
+        // Alt is Option and Super is Command.
+        @"GSAlternateKeyString" : @"Alt+",
+        @"GSCommandKeyString" : @"Super+",
+        @"GSFirstAlternateKey" : @"Alt_L",
+        @"GSFirstCommandKey" : @"Super_L",
+        @"GSShiftKeyString" : @"Shift+",
+        // Glyphs and their widths unfitted to pixels: fitted at scale 1, they collide at scale 2.
+        @"GSFontHinting" : @(0x11),
+        @"GSScaleFactor" : @(scale),
+        @"GSSuppressAppIcon" : @(YES),
+        @"NSBoldFont" : @"Inter-SemiBold",
+        @"NSFont" : @"Inter-Regular",
+        @"NSFontSize" : @"12",
+        @"NSMenuInterfaceStyle" : @"NSWindows95InterfaceStyle",
+    }];
+}
+
+} // namespace host
+
+@implementation HostApplication
+
++ (HostApplication*)prepare
+{
+    HostApplication* const application = (HostApplication*)[self sharedApplication];
+    // The frameworks' handlers wait for the event loop; there is nothing to save.
+    std::signal(SIGINT, SIG_DFL);
+    std::signal(SIGTERM, SIG_DFL);
+    [HostTheme install];
+    host::installMainMenu();
+    [application setDelegate:application];
+    return application;
+}
+
+- (void)dealloc
+{
+    [m_hostWindow release];
+    [super dealloc];
+}
+
+- (void)setHostWindow:(HostWindow*)hostWindow
+{
+    [hostWindow retain];
+    [m_hostWindow release];
+    m_hostWindow = hostWindow;
+}
+
+- (void)setSnapshotPath:(const std::string&)path
+{
+    m_snapshotPath = path;
+}
+
+// An error of an editor must not end its host, nor stop it with a panel.
+- (void)reportException:(NSException*)exception
+{
+    std::fprintf(stderr, "tarvel-host: %s: %s\n", [[exception name] UTF8String],
+                 [[exception reason] UTF8String]);
+}
+
+// File, Open reaches the window's owner through the application's delegate.
+- (void)openDocument:(id)sender
+{
+    [m_hostWindow openDocument:sender];
+}
+
+- (void)applicationDidFinishLaunching:(NSNotification*)notification
+{
+    NSWindow* const window = [m_hostWindow window];
+    [window center];
+    [window makeKeyAndOrderFront:nil];
+    if (!m_snapshotPath.empty()) {
+        // Events that were under way when the editor opened are delivered within this time.
+        constexpr NSTimeInterval kSettleSeconds = 0.3;
+        [self performSelector:@selector(_writeSnapshotAndEnd)
+                   withObject:nil
+                   afterDelay:kSettleSeconds];
+    }
+}
+
+- (void)_writeSnapshotAndEnd
+{
+    const std::string problem = host::writeSnapshot([m_hostWindow window], m_snapshotPath);
+    [m_hostWindow close];
+    if (!problem.empty()) {
+        std::fprintf(stderr, "tarvel-host: %s\n", problem.c_str());
+        std::exit(1);
+    }
+    std::printf("%s\n", m_snapshotPath.c_str());
+    std::exit(0);
+}
+
+- (BOOL)applicationShouldTerminateAfterLastWindowClosed:(NSApplication*)application
+{
+    return YES;
+}
+
+- (void)applicationWillTerminate:(NSNotification*)notification
+{
+    [m_hostWindow close];
+}
+
+@end

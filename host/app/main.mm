@@ -1,0 +1,72 @@
+#import "HostApplication.h"
+#import "HostOptions.h"
+#import "host/effect/AudioFile.h"
+
+#include <cstdio>
+#include <filesystem>
+#include <system_error>
+
+using namespace host;
+
+namespace {
+
+constexpr const char* kBundleName = "Tarvel.bundle";
+constexpr const char* kFactoryClass = "TarvelCocoaViewFactory";
+constexpr int kFailed = 1;
+constexpr int kWrongUse = 2;
+
+int fail(const std::string& problem, int status)
+{
+    std::fprintf(stderr, "tarvel-host: %s\n", problem.c_str());
+    return status;
+}
+
+/// The editor that lies beside the program.
+std::string bundleBesideProgram()
+{
+    std::error_code error;
+    const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", error);
+    return (program.parent_path() / kBundleName).string();
+}
+
+int run(const HostOptions& options, std::shared_ptr<const Recording> recording,
+        const char* programName)
+{
+    @autoreleasepool {
+        prepareFrameworks(programName, options.scale);
+        HostApplication* const application = [HostApplication prepare];
+        HostWindow* const window =
+            [[HostWindow alloc] initWithBundle:options.bundle.value_or(bundleBesideProgram())
+                                       factory:kFactoryClass];
+        if (recording != nullptr) {
+            [window showRecording:std::move(recording)];
+        }
+        [application setHostWindow:window];
+        [application setSnapshotPath:options.snapshot.value_or("")];
+        [window release];
+        [application run];
+    }
+    return 0;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    const ParsedOptions parsed = parseOptions({argv + 1, argv + argc});
+    if (!parsed.problem.empty()) {
+        return fail(parsed.problem, kWrongUse);
+    }
+    if (parsed.options.help) {
+        std::fputs(usage(), stdout);
+        return 0;
+    }
+    ReadResult read;
+    if (parsed.options.recording) {
+        read = readAudioFile(*parsed.options.recording);
+        if (read.recording == nullptr) {
+            return fail(read.problem, kFailed);
+        }
+    }
+    return run(parsed.options, read.recording, argv[0]);
+}

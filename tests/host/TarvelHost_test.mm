@@ -1,0 +1,208 @@
+// The program itself, started as a user starts it.
+
+#import "GuiTest.h"
+
+#include <gmock/gmock.h>
+
+#include <fcntl.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace fs = std::filesystem;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+namespace {
+
+constexpr auto kTimeLimit = std::chrono::seconds(30);
+
+std::string contents(const fs::path& path)
+{
+    std::ostringstream text;
+    text << std::ifstream(path).rdbuf();
+    return text.str();
+}
+
+class TarvelHostTest : public testing::Test {
+protected:
+    TarvelHostTest()
+    {
+        std::string pattern = (fs::temp_directory_path() / "tarvel-host-XXXXXX").string();
+        m_folder = mkdtemp(pattern.data());
+    }
+    ~TarvelHostTest() override
+    {
+        if (m_process > 0) {
+            kill(m_process, SIGKILL);
+            waitpid(m_process, nullptr, 0);
+        }
+        fs::remove_all(m_folder);
+    }
+
+    std::string path(const std::string& name) const { return (m_folder / name).string(); }
+
+    /// Starts the program with its output in files: a pipe would stay open in daemons it starts.
+    void start(std::vector<std::string> words)
+    {
+        setenv("LSAN_OPTIONS", "print_suppressions=0", 0); // no words of a sanitizer's in `err`
+        words.insert(words.begin(), TARVEL_HOST);
+        std::vector<char*> arguments;
+        for (std::string& word : words) {
+            arguments.push_back(word.data());
+        }
+        arguments.push_back(nullptr);
+        posix_spawn_file_actions_t files;
+        posix_spawn_file_actions_init(&files);
+        posix_spawn_file_actions_addopen(&files, 0, "/dev/null", O_RDONLY, 0);
+        posix_spawn_file_actions_addopen(&files, 1, path("out").c_str(), O_WRONLY | O_CREAT, 0600);
+        posix_spawn_file_actions_addopen(&files, 2, path("err").c_str(), O_WRONLY | O_CREAT, 0600);
+        ASSERT_EQ(posix_spawn(&m_process, TARVEL_HOST, &files, nullptr, arguments.data(), environ),
+                  0);
+        posix_spawn_file_actions_destroy(&files);
+    }
+
+    /// Waits for the end; the raw status, or -1 when it did not come in time.
+    int status()
+    {
+        const auto limit = std::chrono::steady_clock::now() + kTimeLimit;
+        while (std::chrono::steady_clock::now() < limit) {
+            int status = 0;
+            if (waitpid(m_process, &status, WNOHANG) == m_process) {
+                m_process = 0;
+                return status;
+            }
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        }
+        return -1;
+    }
+
+    int exitCodeOf(std::vector<std::string> words)
+    {
+        start(std::move(words));
+        const int ended = status();
+        return WIFEXITED(ended) ? WEXITSTATUS(ended) : -1;
+    }
+
+    std::string output() const { return contents(m_folder / "out"); }
+    std::string errors() const { return contents(m_folder / "err"); }
+
+    /// The window of that title, as xdotool knows it; empty when none comes in time.
+    std::string waitForWindow(const std::string& title) const
+    {
+        const std::string command = "timeout 20 xdotool search --sync --onlyvisible --name '^" +
+                                    title + "$' > " + path("window");
+        return std::system(command.c_str()) == 0 ? contents(path("window")) : "";
+    }
+
+    pid_t m_process = 0;
+
+private:
+    fs::path m_folder;
+};
+
+const std::vector<std::string> kTestView = {"--bundle", TEST_VIEW_BUNDLE};
+
+std::vector<std::string> withTestView(std::vector<std::string> words)
+{
+    words.insert(words.begin(), kTestView.begin(), kTestView.end());
+    return words;
+}
+
+} // namespace
+
+TEST_F(TarvelHostTest, BadFileIsOneSentenceBeforeAnyWindow)
+{
+    EXPECT_EQ(exitCodeOf({path("gone.wav")}), 1);
+    EXPECT_EQ(errors(), "tarvel-host: \"" + path("gone.wav") + "\" does not exist.\n");
+    EXPECT_EQ(output(), "");
+}
+
+TEST_F(TarvelHostTest, WrongUseHasAStatusOfItsOwn)
+{
+    EXPECT_EQ(exitCodeOf({"--loud"}), 2);
+    EXPECT_EQ(errors(), "tarvel-host: There is no option \"--loud\"; --help lists them.\n");
+}
+
+TEST_F(TarvelHostTest, HelpNeedsNoDisplay)
+{
+    EXPECT_EQ(exitCodeOf({"--help"}), 0);
+    EXPECT_THAT(output(), StartsWith("Usage: tarvel-host"));
+    EXPECT_EQ(errors(), "");
+}
+
+TEST_F(TarvelHostTest, SnapshotEndsWithThePathOfThePicture)
+{
+    REQUIRE_DISPLAY();
+    const std::string picture = path("window.png");
+    EXPECT_EQ(exitCodeOf(withTestView({"--snapshot", picture, SAMPLE_RECORDING})), 0) << errors();
+    EXPECT_EQ(output(), picture + "\n");
+    EXPECT_THAT(contents(picture), StartsWith("\x89PNG"));
+}
+
+TEST_F(TarvelHostTest, ScaleMultipliesThePixels)
+{
+    REQUIRE_DISPLAY();
+    const auto size = [this](const char* scale) {
+        const std::string picture = path(std::string(scale) + ".png");
+        EXPECT_EQ(exitCodeOf(withTestView({"--scale", scale, "--snapshot", picture})), 0);
+        NSBitmapImageRep* const image = [NSBitmapImageRep
+            imageRepWithData:[NSData
+                                 dataWithContentsOfFile:[NSString
+                                                            stringWithUTF8String:picture.c_str()]]];
+        return std::pair([image pixelsWide], [image pixelsHigh]);
+    };
+    const auto once = size("1");
+    const auto twice = size("2");
+    EXPECT_GT(once.first, 0);
+    EXPECT_EQ(twice.first, 2 * once.first);
+    EXPECT_EQ(twice.second, 2 * once.second);
+}
+
+TEST_F(TarvelHostTest, SnapshotThatCannotBeWrittenFails)
+{
+    REQUIRE_DISPLAY();
+    EXPECT_EQ(exitCodeOf(withTestView({"--snapshot", "/nowhere/a.png"})), 1);
+    EXPECT_THAT(errors(), HasSubstr("tarvel-host: \"/nowhere/a.png\" cannot be written"));
+}
+
+// A word of the command line that the frameworks see is opened as a document, which ends in an
+// alert that nobody answers.
+TEST_F(TarvelHostTest, OpensARecordingAndQuitsByKey)
+{
+    REQUIRE_DISPLAY();
+    start(withTestView({SAMPLE_RECORDING}));
+    ASSERT_NE(waitForWindow("sample.flac — Tarvel"), "") << errors();
+    ASSERT_EQ(std::system("xdotool key super+q"), 0);
+    const int ended = status();
+    EXPECT_TRUE(WIFEXITED(ended));
+    EXPECT_EQ(WEXITSTATUS(ended), 0);
+}
+
+TEST_F(TarvelHostTest, TerminationSignalEndsItAtOnce)
+{
+    REQUIRE_DISPLAY();
+    start(withTestView({SAMPLE_RECORDING}));
+    ASSERT_NE(waitForWindow("sample.flac — Tarvel"), "") << errors();
+    kill(m_process, SIGTERM);
+    const int ended = status();
+    EXPECT_TRUE(WIFSIGNALED(ended));
+    EXPECT_EQ(WTERMSIG(ended), SIGTERM);
+}
+
+TEST_F(TarvelHostTest, MissingEditorStillShowsTheWindow)
+{
+    REQUIRE_DISPLAY();
+    EXPECT_EQ(exitCodeOf({"--bundle", "/nowhere/Gone.bundle", "--snapshot", path("a.png")}), 0);
+    EXPECT_TRUE(fs::exists(path("a.png")));
+}
