@@ -29,6 +29,8 @@ string(APPEND _include " -isystem ${CMAKE_CURRENT_LIST_DIR}/../../compat/linux/i
 string(APPEND _include " -idirafter /usr/include/GNUstep")
 set(_objc "-fobjc-runtime=macosx-11.0 -fexceptions -fobjc-exceptions")
 string(APPEND _objc " -DGNUSTEP_BASE_LIBRARY=1 -DGNU_GUI_LIBRARY=1")
+# The driver passes itself words that it then does not use.
+string(APPEND _include " -Wno-unused-command-line-argument")
 set(CMAKE_C_FLAGS_INIT "${_include}")
 set(CMAKE_CXX_FLAGS_INIT "${_include}")
 set(CMAKE_OBJC_FLAGS_INIT "${_include} ${_objc}")

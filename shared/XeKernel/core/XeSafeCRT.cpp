@@ -15,9 +15,9 @@ void setCharacterType() noexcept { std::setlocale(LC_CTYPE, _characterTypeLocale
 
 int swprintf_s(wchar_t* buffer, std::size_t count, const wchar_t* format, ...) noexcept
 {
+    setCharacterType();
     va_list args;
     va_start(args, format);
-    setCharacterType();
     const int written = std::vswprintf(buffer, count, format, args);
     va_end(args);
     return written;

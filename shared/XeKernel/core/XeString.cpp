@@ -1,9 +1,5 @@
 #include "XeString.h"
 
-#include <boost/algorithm/string/classification.hpp>
-#include <boost/algorithm/string/split.hpp>
-#include <boost/algorithm/string/trim.hpp>
-
 #include <cstdio>
 #include <cwchar>
 #include <memory>
@@ -118,21 +114,23 @@ int _XeString<T>::va_format(const T* fmt, va_list args)
 template <XeStringCharacter T>
 void _XeString<T>::tokenize(std::vector<_XeString>& out, const T* delimiters) const
 {
-    const auto first = this->find_first_not_of(delimiters);
-    if (first == Base::npos) {
-        return;
+    std::vector<_XeString> tokens;
+    for (auto begin = this->find_first_not_of(delimiters); begin != Base::npos;) {
+        const auto end = this->find_first_of(delimiters, begin);
+        tokens.emplace_back(*this, begin, end - begin);
+        begin = this->find_first_not_of(delimiters, end);
     }
-    const auto last = this->find_last_not_of(delimiters);
-    const auto range = std::basic_string_view<T>(*this).substr(first, last - first + 1);
-    boost::algorithm::split(out, range, boost::algorithm::is_any_of(delimiters),
-                            boost::algorithm::token_compress_on);
+    if (!tokens.empty()) {
+        out.swap(tokens);
+    }
 }
 
 template <XeStringCharacter T>
 void _XeString<T>::trim(const T* chars)
 {
     if (chars != nullptr) {
-        boost::algorithm::trim_if(*this, boost::algorithm::is_any_of(chars));
+        this->erase(this->find_last_not_of(chars) + 1); // npos + 1 is 0: nothing else is left
+        this->erase(0, this->find_first_not_of(chars));
     }
 }
 

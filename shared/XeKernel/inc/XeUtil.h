@@ -1,6 +1,7 @@
 #pragma once
 
 #include "XeString.h"
+#include "XeUtcText.h" // the rest of xenon::util
 
 /// Numbers to text and back, as the user of the current global locale writes them.
 ///
@@ -67,5 +68,16 @@ wchar_t myatof(wchar_t* text, double* out);
 /// @param precision  Decimals; a negative number prints 6, as printf does.
 /// @param trim       Whether to remove zeros from the end, and then the decimal point ('.' or ',').
 _XeString<wchar_t> doubleToString(double value, int precision, bool trim);
+
+/// Prints with a number of decimals between the smaller and the larger of `a` and `b`, as many as
+/// are not zeros at the end.
+///
+///     doubleToString(2.5, 3, 1);  // "2.5"
+///     doubleToString(2.0, 3, 1);  // "2.0"
+///     doubleToString(2.0, 3, 0);  // "2"
+///
+/// The fraction is found as the extension of a file name would be, from the last '.': with a
+/// decimal comma all of the larger number of decimals stay.
+_XeString<wchar_t> doubleToString(double value, int a, int b);
 
 } // namespace xenon::util

@@ -1,15 +1,18 @@
 #include "XeUtil.h"
-#include "XeSafeCRT.h"
 
+#include "XePath.h"
+#include "XeSafeCRT.h"
 #include "text/NumericStyle.h"
 
 #include <boost/container/small_vector.hpp>
 #include <boost/lexical_cast.hpp>
 
+#include <algorithm>
 #include <cwchar>
 #include <memory>
 #include <optional>
 #include <string_view>
+#include <utility>
 
 namespace {
 
@@ -194,6 +197,20 @@ _XeString<wchar_t> doubleToString(double value, int precision, bool trim)
         text.erase(text.find_last_not_of(L".,") + 1);
     }
     return text;
+}
+
+_XeString<wchar_t> doubleToString(double value, int a, int b)
+{
+    const auto [fewest, most] = std::minmax(a, b);
+    const std::size_t kept = fewest > 0 ? static_cast<std::size_t>(fewest) + 1 : 0; // with the '.'
+
+    _XeString<wchar_t> text;
+    XeSprintf(text, L"%.*f", most, value);
+    _XeString<wchar_t> fraction = path::GetExtension(text);
+    while (fraction.size() > kept && (fraction.back() == L'0' || fraction.back() == L'.')) {
+        fraction.pop_back();
+    }
+    return path::ReplaceExtension(text, fraction);
 }
 
 } // namespace xenon::util

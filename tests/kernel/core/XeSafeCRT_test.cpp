@@ -59,6 +59,33 @@ TEST(CharacterType, IsSetAgainAfterTheHostChangedIt)
     EXPECT_EQ(std::towupper(L'\u00E9'), std::wint_t{L'\u00C9'});
 }
 
+TEST(SwprintfS, PrintsIntoTheBuffer)
+{
+    wchar_t buffer[8];
+    EXPECT_EQ(XeCRT::swprintf_s(buffer, 8, L"%d|%ls", 42, L"\u00E9"), 4);
+    EXPECT_STREQ(buffer, L"42|\u00E9");
+}
+
+// Seven characters and the terminator fill eight elements.
+TEST(SwprintfS, TextThatDoesNotFitGivesANegativeResult)
+{
+    wchar_t buffer[8];
+    EXPECT_EQ(XeCRT::swprintf_s(buffer, 8, L"%07d", 1), 7);
+    EXPECT_STREQ(buffer, L"0000001");
+    EXPECT_LT(XeCRT::swprintf_s(buffer, 8, L"%08d", 1), 0);
+}
+
+// "%s" could not be widened in the category "C".
+TEST(SwprintfS, SetsTheCharacterTypeOnEveryCall)
+{
+    for (int call = 0; call < 2; ++call) {
+        std::setlocale(LC_CTYPE, "C");
+        wchar_t buffer[8];
+        EXPECT_EQ(XeCRT::swprintf_s(buffer, 8, L"%s", "\xC3\xA9"), 1);
+        EXPECT_STREQ(buffer, L"\u00E9");
+    }
+}
+
 // Only the character type is touched: a decimal comma set by the host stays.
 TEST(CharacterType, LeavesOtherCategoriesAlone)
 {
