@@ -39,8 +39,7 @@ TEST(XePalette, TextIsLegibleOnEverySurface)
 
 TEST(XePalette, DisabledTextCanStillBeRead)
 {
-    for (const XeTone surface :
-         {XeTone::Window, XeTone::ControlDisabled, XeTone::FieldDisabled}) {
+    for (const XeTone surface : {XeTone::Window, XeTone::ControlDisabled, XeTone::FieldDisabled}) {
         SCOPED_TRACE(static_cast<unsigned>(surface));
         EXPECT_GE(contrast(XeTone::TextDisabled, surface), 3.0);
         EXPECT_LT(contrast(XeTone::TextDisabled, surface), contrast(XeTone::Text, surface));

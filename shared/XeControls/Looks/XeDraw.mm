@@ -103,6 +103,19 @@ void _fillSpacing(Spacing& spacing)
     }
 }
 
+// Whether kerning lies before the character that has it, as one of the platforms has it, or after.
+bool _kernsBefore()
+{
+    static const bool kernsBefore = [] {
+        NSMutableAttributedString* const text =
+            [[[NSMutableAttributedString alloc] initWithString:@"xx"] autorelease];
+        const double plain = [text size].width;
+        [text addAttribute:NSKernAttributeName value:@(10.0) range:NSMakeRange(0, 1)];
+        return [text size].width < plain + 5;
+    }();
+    return kernsBefore;
+}
+
 // Measuring text is slow and the face has few fonts, so they are remembered.
 const Spacing& _spacingOf(NSFont* font)
 {
@@ -235,13 +248,14 @@ void space(NSMutableAttributedString* string, NSFont* font)
         return;
     }
     const Spacing& spacing = _spacingOf(font);
+    const NSUInteger offset = _kernsBefore() ? 1 : 0;
     NSString* const characters = [string string];
-    for (NSUInteger i = 0; i < [characters length]; ++i) {
+    for (NSUInteger i = 0; i + offset < [characters length]; ++i) {
         const unichar c = [characters characterAtIndex:i];
         if (c < Spacing::kCount) {
             [string addAttribute:NSKernAttributeName
                            value:@(spacing.extra.at(c))
-                           range:NSMakeRange(i, 1)];
+                           range:NSMakeRange(i + offset, 1)];
         }
     }
 }

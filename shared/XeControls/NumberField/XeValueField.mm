@@ -292,14 +292,17 @@ NSRange _clampedRange(NSRange range, NSUInteger length)
 }
 
 // Clicks into the text of an edited field go to the field editor. Those that come here give the
-// field the keyboard, with everything selected, unless the window has done so already.
+// field the keyboard, or the window has done so already, with everything selected.
 - (void)mouseDown:(NSEvent*)event
 {
     if (![self isEnabled]) {
         [super mouseDown:event];
-    } else if ([self currentEditor] == nil) {
+        return;
+    }
+    if ([self currentEditor] == nil) {
         [[self window] makeFirstResponder:self];
     }
+    [[self currentEditor] setSelectedRange:_wholeOf([self stringValue])];
 }
 
 - (void)_dropTypedText
