@@ -90,11 +90,15 @@ struct _RateFamily {
 // In the order of comparison; the first family with a rate that is close enough decides.
 // clang-format off
 constexpr _RateFamily kRateFamilies[] = {
-    { { 29.97002997002997, 14.985014985014985, 7.492507492507492, 59.94005994005994, 119.88011988011988, 239.76023976023976 }, zqposfmt_smpte_29_97, zqposfmt_smpte_29_97_drop },
-    { { 23.976023976023978, 11.988011988011989, 5.994005994005994, 47.952047952047955, 95.90409590409591, 191.80819180819182 }, zqposfmt_smpte_23_976, zqposfmt_smpte_23_976 },
-    { { 24.0, 12.0, 6.0, 48.0, 96.0, 192.0 },   zqposfmt_smpte_24, zqposfmt_smpte_24 },
+    { { 29.97002997002997, 14.985014985014985, 7.492507492507492,
+        59.94005994005994, 119.88011988011988, 239.76023976023976 },
+      zqposfmt_smpte_29_97, zqposfmt_smpte_29_97_drop },
+    { { 23.976023976023978, 11.988011988011989, 5.994005994005994,
+        47.952047952047955, 95.90409590409591, 191.80819180819182 },
+      zqposfmt_smpte_23_976, zqposfmt_smpte_23_976 },
+    { { 24.0, 12.0, 6.0, 48.0, 96.0, 192.0 }, zqposfmt_smpte_24, zqposfmt_smpte_24 },
     { { 25.0, 12.5, 6.25, 50.0, 100.0, 200.0 }, zqposfmt_smpte_25, zqposfmt_smpte_25 },
-    { { 30.0, 15.0, 7.5, 60.0, 120.0, 240.0 },  zqposfmt_smpte_30, zqposfmt_smpte_30 },
+    { { 30.0, 15.0, 7.5, 60.0, 120.0, 240.0 }, zqposfmt_smpte_30, zqposfmt_smpte_30 },
 };
 // clang-format on
 

@@ -2,19 +2,17 @@
 
 #include "XeSafeCRT.h"
 #include "XeUtil.h"
+#include "text/DecimalText.h"
 #include "text/NumericStyle.h"
 
-#include <boost/container/small_vector.hpp>
 #include <boost/lexical_cast/bad_lexical_cast.hpp>
 
-#include <algorithm>
 #include <cctype>
 #include <cmath>
 #include <string_view>
+#include <utility>
 
 namespace {
-
-using _Text = boost::container::small_vector<wchar_t, 64>;
 
 std::wstring_view _trimmed(std::wstring_view text, const NumericStyle& style)
 {
@@ -149,22 +147,30 @@ bool AsciiToTime(const _XeString<wchar_t>& text, XESMPTEVAL* out)
     constexpr int kRounds = 3; // hours, minutes, seconds
 
     *out = {};
-    _Text buffer(text.c_str(), text.c_str() + std::char_traits<wchar_t>::length(text.c_str()) + 1);
-    if (!_isClockShaped({buffer.data(), buffer.size() - 1}, currentNumericStyle().decimalPoint())) {
+    const NumericStyle& style = currentNumericStyle();
+    const std::wstring_view typed = text.c_str();
+    if (!_isClockShaped(typed, style.decimalPoint())) {
         return false;
     }
-    wchar_t* field = buffer.data();
+    std::wstring_view rest = withoutTail(typed);
     for (int round = 0; round < kRounds; ++round) {
         double value = 0;
-        const wchar_t stop = xenon::util::myatof(field, &value);
+        rest = withoutLead(rest);
+        if (!rest.empty()) {
+            const wchar_t* const stop = readUpToOther(style, rest, value);
+            rest.remove_prefix(static_cast<std::size_t>(stop - rest.data()));
+        }
         out->hours = out->minutes;
         out->minutes = out->seconds;
         out->seconds = _wrappedTo32(value);
         out->frames = _wrappedTo32((value - std::trunc(value)) * 1000.0);
-        if (stop != L':') {
-            return stop == 0;
+        if (rest.empty()) {
+            return true;
         }
-        field += std::wstring_view(field).find(L':') + 1;
+        if (rest.front() != L':') {
+            return false;
+        }
+        rest.remove_prefix(1);
     }
     return false;
 }

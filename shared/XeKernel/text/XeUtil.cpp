@@ -2,13 +2,14 @@
 
 #include "XePath.h"
 #include "XeSafeCRT.h"
+#include "text/DecimalText.h"
 #include "text/NumericStyle.h"
 
 #include <boost/container/small_vector.hpp>
 #include <boost/lexical_cast.hpp>
 
 #include <algorithm>
-#include <cwchar>
+#include <iterator>
 #include <memory>
 #include <optional>
 #include <string_view>
@@ -18,8 +19,6 @@
 namespace {
 
 using _NumberText = boost::container::small_vector<wchar_t, 64>;
-
-bool _isBlank(wchar_t c) { return c == L' ' || c == L'\t'; }
 
 bool _isLetter(wchar_t c) { return (c >= L'a' && c <= L'z') || (c >= L'A' && c <= L'Z'); }
 
@@ -74,13 +73,12 @@ const wchar_t* _collectNumber(const NumericStyle& style, const wchar_t* at, cons
 }
 
 /// Digits with at most one decimal point whose value is one rounding away from two exact doubles:
-/// an integer below 2^53 and a power of ten up to 10^22 (W. D. Clinger, "How to Read Floating
+/// an integer below 2^53 and a power of ten up to 10^15 (W. D. Clinger, "How to Read Floating
 /// Point Numbers Accurately", 1990). Nothing for every other number.
 std::optional<double> _exactQuotient(const NumericStyle& style, const _NumberText& number)
 {
-    static constexpr double kPowersOfTen[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
-                                              1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
-                                              1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+    static constexpr double kPowersOfTen[] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                              1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
     std::uint64_t digits = 0;
     std::size_t afterPoint = 0;
     bool point = false;
@@ -94,7 +92,7 @@ std::optional<double> _exactQuotient(const NumericStyle& style, const _NumberTex
     }
     // Fifteen digits stay below 2^53; a lone decimal point is no number.
     const std::size_t count = number.size() - point;
-    if (count == 0 || count > 15) {
+    if (count == 0 || count >= std::size(kPowersOfTen)) {
         return std::nullopt;
     }
     return static_cast<double>(digits) / kPowersOfTen[afterPoint];
@@ -125,27 +123,6 @@ const wchar_t* _readDecimal(const wchar_t* begin, const wchar_t* end, double& ou
     const double value = _convertNumber(style, number);
     out = negative ? -value : value;
     return at;
-}
-
-/// The digits after a decimal point: 25 -> 0.25. Moves `at` to the first other character.
-double _readFraction(const wchar_t*& at, double value)
-{
-    double unit = 10.0;
-    for (; digitValue(*at) < 10; ++at) {
-        value += digitValue(*at) / unit;
-        unit *= 10.0;
-    }
-    return value;
-}
-
-/// Cuts tabs, spaces and percent signs off the end. Returns the new end.
-wchar_t* _cutTail(wchar_t* text)
-{
-    wchar_t* end = text + std::wcslen(text);
-    while (end != text && (_isBlank(end[-1]) || end[-1] == L'%')) {
-        *--end = 0;
-    }
-    return end;
 }
 
 } // namespace
@@ -180,41 +157,18 @@ template Iterator atof(Iterator, Iterator, double&);
 
 wchar_t myatof(wchar_t* text, double* out)
 {
-    constexpr double kAwayFromZero = 0.000000000005;
-
     *out = 0;
     if (text == nullptr) {
         return 0;
     }
-    while (_isBlank(*text)) {
-        ++text;
-    }
-    if (*text == 0) {
+    const std::wstring_view typed = withoutLead(text);
+    if (typed.empty()) {
         return 0;
     }
-    const NumericStyle& style = currentNumericStyle();
-    const wchar_t* const end = _cutTail(text);
-    const std::wstring_view number(text, static_cast<std::size_t>(end - text));
-    const std::size_t point = number.rfind(style.decimalPoint());
-    const wchar_t* const wholeEnd = point == number.npos ? end : text + point;
-
-    const wchar_t* at = text;
-    const bool negative = *at == L'-';
-    at += negative;
-    double value = 0;
-    for (; at < wholeEnd && !_isBlank(*at); ++at) {
-        if (const std::uint32_t digit = digitValue(*at); digit < 10) {
-            value = value * 10 + digit;
-        } else if (*at != style.thousandsSeparator()) {
-            *out = value;
-            return *at;
-        }
-    }
-    if (at == wholeEnd && at != end) {
-        value = _readFraction(++at, value);
-    }
-    *out = negative ? -value - kAwayFromZero : value + kAwayFromZero;
-    return *at;
+    const std::wstring_view number = withoutTail(typed);
+    const std::size_t lead = static_cast<std::size_t>(typed.data() - text);
+    std::fill_n(text + lead + number.size(), typed.size() - number.size(), L'\0');
+    return *readUpToOther(currentNumericStyle(), number, *out);
 }
 
 _XeString<wchar_t> doubleToString(double value, int precision, bool trim)
