@@ -3,6 +3,13 @@
 # A loadable bundle <target>.bundle in the build's top folder, in the layout of the system: flat
 # with Resources/ beside the module on GNUstep, Contents/ on macOS. A resource keeps its path below
 # the directory's Resources/ folder. The target property VIEW_BUNDLE_DIR names the bundle.
+#
+# macOS loads compiled interface descriptions. A cross build, which has no compiler for them, takes
+# them as they are: it can be linked but not run.
+if(APPLE)
+    find_program(XCRUN_PROGRAM xcrun)
+endif()
+
 function(add_view_bundle target)
     cmake_parse_arguments(PARSE_ARGV 1 ARG "" "" "SOURCES;RESOURCES;LIBRARIES")
     add_library(${target} MODULE ${ARG_SOURCES})
@@ -26,9 +33,9 @@ function(add_view_bundle target)
         if(APPLE AND resource STREQUAL "Info.plist")
             set(copy "${bundle_dir}/Contents/Info.plist")
             set(install_resource COMMAND ${CMAKE_COMMAND} -E copy "${source}" "${copy}")
-        elseif(APPLE AND resource MATCHES "\\.xib$")
+        elseif(XCRUN_PROGRAM AND resource MATCHES "\\.xib$")
             string(REGEX REPLACE "\\.xib$" ".nib" copy "${copy}")
-            set(install_resource COMMAND xcrun ibtool --compile "${copy}" "${source}")
+            set(install_resource COMMAND "${XCRUN_PROGRAM}" ibtool --compile "${copy}" "${source}")
         endif()
         add_custom_command(OUTPUT "${copy}" ${install_resource} DEPENDS "${source}" VERBATIM)
         list(APPEND copies "${copy}")

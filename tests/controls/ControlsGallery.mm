@@ -15,26 +15,12 @@
 #import "XeRadioCell.h"
 #import "XeRadioMatrix.h"
 #import "XeSlider.h"
-#import "XeSliderCell.h"
 #import "XeStepper.h"
 #import "XeThresholdField.h"
 #import "XeThresholdFormatter.h"
 
 #include <cstdio>
 #include <string>
-
-// The slider with the face's cell, whichever cell XeSlider takes by itself.
-@interface GallerySlider : XeSlider
-@end
-
-@implementation GallerySlider
-
-+ (Class)cellClass
-{
-    return [XeSliderCell class];
-}
-
-@end
 
 @interface GalleryBackground : NSView
 @end
@@ -65,8 +51,8 @@ public:
     explicit Gallery(NSString* folder) : m_folder(folder)
     {
         m_window = gui_test::makeWindow(NSMakeSize(kWidth, kHeight));
-        NSView* const background =
-            [[[GalleryBackground alloc] initWithFrame:NSMakeRect(0, 0, kWidth, kHeight)] autorelease];
+        NSView* const background = [[[GalleryBackground alloc]
+            initWithFrame:NSMakeRect(0, 0, kWidth, kHeight)] autorelease];
         [m_window setContentView:background];
         for (const bool isEnabled : {true, false}) {
             fillColumn(isEnabled);
@@ -147,7 +133,7 @@ private:
         label(@"Help");
         [add<XeButton>(84, 22) setTitle:@"?"];
         [add<XeButton>(116, 100) setTitle:@"Export"];
-        XeSlider* const slider = add<GallerySlider>(226, 22, 60);
+        XeSlider* const slider = add<XeSlider>(226, 22, 60);
         [slider setMaxValue:1];
         [slider setDoubleValue:0.4];
     }
@@ -155,11 +141,11 @@ private:
     void addRadios()
     {
         XeRadioMatrix* const matrix = [[[XeRadioMatrix alloc]
-            initWithFrame:NSMakeRect(m_left + 84, kHeight - m_row * kRowHeight - 22, 124, 22)
-                     mode:NSRadioModeMatrix
-                cellClass:[XeRadioCell class]
-             numberOfRows:1
-          numberOfColumns:2] autorelease];
+              initWithFrame:NSMakeRect(m_left + 84, kHeight - m_row * kRowHeight - 22, 124, 22)
+                       mode:NSRadioModeMatrix
+                  cellClass:[XeRadioCell class]
+               numberOfRows:1
+            numberOfColumns:2] autorelease];
         [matrix setCellSize:NSMakeSize(60, 22)];
         [[matrix cellAtRow:0 column:0] setTitle:@"dB"];
         [[matrix cellAtRow:0 column:1] setTitle:@"%"];
@@ -169,7 +155,7 @@ private:
 
     void addSlider(double value)
     {
-        XeSlider* const slider = add<GallerySlider>(84, 160);
+        XeSlider* const slider = add<XeSlider>(84, 160);
         [slider setMinValue:-60];
         [slider setMaxValue:0];
         [slider setDoubleValue:value];
@@ -206,8 +192,7 @@ private:
             [[[NSBitmapImageRep alloc] initWithFocusedViewRect:[view bounds]] autorelease];
         [view unlockFocus];
         NSData* const data = [picture representationUsingType:NSPNGFileType properties:@{}];
-        NSString* const path =
-            [m_folder stringByAppendingPathComponent:@((name + ".png").c_str())];
+        NSString* const path = [m_folder stringByAppendingPathComponent:@((name + ".png").c_str())];
         if (![data writeToFile:path atomically:NO]) {
             std::fprintf(stderr, "cannot write %s\n", [path UTF8String]);
         }

@@ -10,6 +10,7 @@
 
 #include <gmock/gmock.h>
 
+#include <cstdio>
 #include <memory>
 #include <optional>
 #include <string>
@@ -36,7 +37,10 @@ protected:
         m_effect.reset();
         m_probe.reset();
         m_clock.reset();
-        [m_pool drain];
+        if (m_pool != nil) {
+            [m_pool drain];
+            EXPECT_EQ(audiounit_compat::liveListenerCount(), 0u) << "a view is still alive";
+        }
     }
 
     /// Opens the editor and names its parts in the log.
@@ -53,11 +57,11 @@ protected:
         log().name(editor.view(), "view");
         for (const char* outlet :
              {"functionPopupButton", "gainUnitsButtons", "attackTextField", "attackSlider",
-              "releaseTextField", "releaseSlider", "fadeInTypePopupButton",
-              "fadeInLengthTextField", "fadeInLengthStepper", "fadeOutTypePopupButton",
-              "fadeOutLengthTextField", "fadeOutLengthStepper", "minSilenceTextField",
-              "minSilenceStepper", "cropStartTextField", "cropStartStepper",
-              "cropLengthTextField", "cropLengthStepper"}) {
+              "releaseTextField", "releaseSlider", "fadeInTypePopupButton", "fadeInLengthTextField",
+              "fadeInLengthStepper", "fadeOutTypePopupButton", "fadeOutLengthTextField",
+              "fadeOutLengthStepper", "minSilenceTextField", "minSilenceStepper",
+              "cropStartTextField", "cropStartStepper", "cropLengthTextField",
+              "cropLengthStepper"}) {
             log().name(editor.outlet(outlet), outlet);
         }
     }
@@ -66,6 +70,13 @@ protected:
     TarvelEffect& effect() { return *m_effect; }
     host::EffectProbe& probe() { return *m_probe; }
     host::CallLog& log() { return m_probe->log(); }
+
+    /// Makes calls fail: of one function (empty: of all), for one ID or all, every time or the
+    /// nth time from now on.
+    void fail(const char* function, std::optional<UInt32> id = {}, int nth = 0)
+    {
+        m_probe->inject({function, id, nth});
+    }
 
     /// Delivers every event that waits.
     static void deliver() { audiounit_compat::deliverAll(); }
@@ -85,11 +96,30 @@ protected:
         AUParameterSet(nullptr, nullptr, &parameter, value, 0);
     }
 
+    /// Stores a display format in the effect, as another client does.
+    void setTimeFormat(UInt32 format)
+    {
+        m_effect->setProperty(kTarvelProperty_TimeFormat, kAudioUnitScope_Global, 0, &format,
+                              sizeof format);
+    }
+
     void automateAndDeliver(AudioUnitParameterID id, float value)
     {
         automate(id, value);
         deliver();
         log().take();
+    }
+
+    /// The calls of one write: a gesture round the value.
+    static std::vector<std::string> write(UInt32 id, float value, const std::string& sender)
+    {
+        char number[32];
+        std::snprintf(number, sizeof number, "%g", value);
+        const std::string address = std::to_string(id) + " global/0";
+        const std::string object = " object " + sender;
+        return {"AUEventListenerNotify listener 1 begin-gesture " + address + object,
+                "AUParameterSet listener 1 " + address + " value " + number + object,
+                "AUEventListenerNotify listener 1 end-gesture " + address + object};
     }
 
     std::optional<audiounit_compat::FakeClock> m_clock;

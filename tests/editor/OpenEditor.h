@@ -1,9 +1,11 @@
 #pragma once
 
 #import "TarvelCocoaView+Private.h"
+#import "TarvelCocoaViewFactory.h"
 
 #include <objc/runtime.h>
 
+#include <map>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -15,7 +17,7 @@ namespace editor_test {
 NSBundle* editorBundle();
 
 /// A view factory of the bundle, autoreleased.
-id newFactory();
+TarvelCocoaViewFactory* newFactory();
 
 /// Value of an instance variable that key-value coding cannot read.
 template <typename Value>
@@ -46,7 +48,7 @@ public:
     TarvelCocoaView* view() const { return m_view; }
     NSWindow* window() const { return m_window; }
 
-    /// A control by the name of its outlet.
+    /// A control by the name of its outlet; the control itself also while it is being recorded.
     id outlet(const char* name) const;
 
     /// What a text control shows, also while it is edited.
@@ -64,7 +66,7 @@ public:
     /// Clicks the middle of a control, or a point given as fractions of its width and height.
     void click(const char* name, double x = 0.5, double y = 0.5);
 
-    /// Chooses an item of a pop-up button as its menu does.
+    /// Chooses an item of a pop-up button with the real pointer: press, drag to the item, let go.
     void choose(const char* name, NSInteger index);
 
     /// Point of a control in its window, from fractions of its width and height.
@@ -73,6 +75,7 @@ public:
 private:
     TarvelCocoaView* m_view = nil;
     NSWindow* m_window = nil;
+    mutable std::map<std::string, id> m_outlets; // as the description connected them
 };
 
 /// Keeps the texts of failed assertions, which then let the failed method go on.
@@ -88,6 +91,13 @@ public:
 private:
     id m_handler;
 };
+
+/// Runs xdotool with these words while the application goes on; false when it failed or took more
+/// than ten seconds.
+bool movePointer(NSArray* words);
+
+/// A point of the window as the X server counts, from the top left of the screen.
+NSPoint pointOnScreen(NSWindow* window, NSPoint point);
 
 /// How often the process has asked for the localisation of the view's own text so far.
 int localisationCount();

@@ -1,13 +1,15 @@
 #import "OpenEditor.h"
 
+#import "CurvePopUpButton.h"
 #import "GuiTest.h"
+#import "TarvelCocoaViewFactory.h"
 
 #include <cstdarg>
 #include <cstdlib>
 #include <utility>
 
-/// Records instead of raising.
-@interface RecordingAssertionHandler : NSAssertionHandler {
+/// Records instead of raising. No NSAssertionHandler, because that one's method must not return.
+@interface RecordingAssertionHandler : NSObject {
 @public
     std::vector<std::string> texts;
 }
@@ -73,7 +75,7 @@ NSBundle* editorBundle()
     return [NSBundle bundleWithPath:[NSString stringWithUTF8String:path]];
 }
 
-id newFactory()
+TarvelCocoaViewFactory* newFactory()
 {
     Class const factory = [editorBundle() classNamed:@"TarvelCocoaViewFactory"];
     return [[[factory alloc] init] autorelease];
@@ -120,7 +122,10 @@ void OpenEditor::close()
 
 id OpenEditor::outlet(const char* name) const
 {
-    id const control = [m_view valueForKey:[NSString stringWithUTF8String:name]];
+    id& control = m_outlets[name];
+    if (control == nil) {
+        control = [m_view valueForKey:[NSString stringWithUTF8String:name]];
+    }
     if (control == nil) {
         throw std::logic_error(std::string("no outlet ") + name);
     }
@@ -147,12 +152,13 @@ long long OpenEditor::samples(const char* name) const
 
 std::string OpenEditor::title(const char* name) const
 {
-    return [[outlet(name) titleOfSelectedItem] UTF8String] ?: "";
+    NSString* const title = [outlet(name) titleOfSelectedItem];
+    return title != nil ? [title UTF8String] : "";
 }
 
 NSInteger OpenEditor::curve(const char* name) const
 {
-    return [(id)outlet(name) curve];
+    return [(CurvePopUpButton*)outlet(name) curve];
 }
 
 NSPoint OpenEditor::point(const char* name, double x, double y) const
@@ -186,7 +192,37 @@ void OpenEditor::type(const char* name, NSString* text)
 void OpenEditor::choose(const char* name, NSInteger index)
 {
     NSPopUpButton* const button = outlet(name);
-    [[button menu] performActionForItemAtIndex:index];
+    NSMenuView* const list = [[button menu] menuRepresentation];
+    [list sizeToFit];
+    const double rowHeight = NSHeight([list rectOfItemAtIndex:0]);
+    // The list opens with the selected item over the button.
+    const double rows = static_cast<double>(index - [button indexOfSelectedItem]);
+    const NSPoint from = pointOnScreen(m_window, point(name, 0.3, 0.5));
+    NSArray* const words = [[NSString
+        stringWithFormat:@"mousemove %.0f %.0f mousedown 1 sleep 0.1 mousemove %.0f %.0f sleep 0.1 "
+                         @"mouseup 1 sleep 0.05",
+                         from.x, from.y, from.x, from.y + rows * rowHeight]
+        componentsSeparatedByString:@" "];
+    if (!movePointer(words)) {
+        throw std::runtime_error("xdotool failed");
+    }
+}
+
+bool movePointer(NSArray* words)
+{
+    NSTask* const task = [[[NSTask alloc] init] autorelease];
+    [task setLaunchPath:@"/usr/bin/xdotool"];
+    [task setArguments:words];
+    [task launch];
+    const bool ended = gui_test::pumpUntil([task] { return ![task isRunning]; }, 10);
+    gui_test::pump(0.02);
+    return ended && [task terminationStatus] == 0;
+}
+
+NSPoint pointOnScreen(NSWindow* window, NSPoint point)
+{
+    const NSPoint onScreen = [window convertBaseToScreen:point];
+    return NSMakePoint(onScreen.x, NSHeight([[window screen] frame]) - onScreen.y);
 }
 
 AssertionRecorder::AssertionRecorder() : m_handler([[RecordingAssertionHandler alloc] init])

@@ -2,6 +2,6 @@
 
 #import <AppKit/NSButton.h>
 
-/// Push button of the face. Takes the keyboard; Space and Return push it. [main]
+/// Push button of the face. Takes the keyboard; Space pushes it. [main]
 @interface XeButton : NSButton
 @end

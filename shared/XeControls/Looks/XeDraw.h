@@ -45,8 +45,8 @@ void ring(NSPoint center, double diameter, double width, XeTone tone);
 /// coordinates.
 void arrow(NSPoint center, double size, Direction direction, XeTone tone, bool isFlipped);
 
-/// Text without attributes, in one tone and font, cut with "..." where it is too long. One line,
-/// centred vertically.
+/// One line of text, spaced as by space() and centred vertically, cut with "..." where too long.
+void text(NSString* string, NSRect frame, NSDictionary* attributes);
 void text(NSString* string, NSRect frame, XeTone tone, XeFontRole role, NSTextAlignment alignment);
 
 /// Height of a line of `font` in whole points.
@@ -58,7 +58,9 @@ NSRect lineRect(NSRect frame, NSFont* font);
 /// Attributes of text on a control.
 NSDictionary* textAttributes(NSColor* color, NSFont* font, NSTextAlignment alignment);
 
-/// Spaces the digits of `string` so that all are equally wide in `font`, in place.
-void spaceDigits(NSMutableAttributedString* string, NSFont* font);
+/// Spaces the ASCII characters of `string` as the font's designer meant, where the layout would
+/// round every advance to whole points, and makes all digits equally wide. Sets kerning, in place.
+/// Texts of more than 200 characters stay as they are.
+void space(NSMutableAttributedString* string, NSFont* font);
 
 } // namespace xenon::draw

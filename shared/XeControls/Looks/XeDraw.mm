@@ -62,35 +62,72 @@ bool _hasKeyboard(NSView* view)
            [static_cast<NSText*>(responder) delegate] == static_cast<id>(view);
 }
 
+bool _isDigit(unichar c) { return c >= '0' && c <= '9'; }
+
 double _width(NSString* string, NSFont* font)
 {
     return [string sizeWithAttributes:@{NSFontAttributeName : font}].width;
 }
 
-// How much narrower each digit of a font is than its widest, in points.
-struct DigitGaps {
+// The advances of a font's ASCII characters that kerning has to add, in points.
+struct Spacing {
+    static constexpr unichar kCount = 128;
+
     NSFont* font = nil; // retained
-    std::array<double, 10> gaps{};
+    std::array<double, kCount> extra{};
 };
 
-// Measuring text is slow, and nearly all numbers are in one font, so the last one is remembered.
-const DigitGaps& _digitGaps(NSFont* font)
+constexpr double kReferenceSize = 1000;
+
+// Every spaced character is laid out by itself, which takes seconds for a pasted page.
+constexpr NSUInteger kLongestSpaced = 200;
+
+// Advances are rounded to whole points where text is laid out, which shows in small type. What
+// was rounded off is the difference to the advance in large type. Digits get the widest digit's.
+void _fillSpacing(Spacing& spacing)
 {
-    static DigitGaps last;
-    if ([last.font isEqual:font]) {
-        return last;
+    NSFont* const font = spacing.font;
+    NSFont* const large = [NSFont fontWithName:[font fontName] size:kReferenceSize];
+    const double scale = [font pointSize] / kReferenceSize;
+    double widestDigit = 0;
+    std::array<double, Spacing::kCount> exact{};
+    for (unichar c = ' '; c < Spacing::kCount - 1; ++c) {
+        exact.at(c) = _width([NSString stringWithCharacters:&c length:1], large) * scale;
+        if (_isDigit(c)) {
+            widestDigit = std::max(widestDigit, exact.at(c));
+        }
     }
-    [last.font release];
-    last.font = [font retain];
-    for (unichar i = 0; i < last.gaps.size(); ++i) {
-        const unichar digit = '0' + i;
-        last.gaps.at(i) = _width([NSString stringWithCharacters:&digit length:1], font);
+    for (unichar c = ' '; c < Spacing::kCount - 1; ++c) {
+        const double laidOut = _width([NSString stringWithCharacters:&c length:1], font);
+        spacing.extra.at(c) = (_isDigit(c) ? widestDigit : exact.at(c)) - laidOut;
     }
-    const double widest = *std::max_element(last.gaps.begin(), last.gaps.end());
-    for (double& gap : last.gaps) {
-        gap = widest - gap;
+}
+
+// Whether kerning lies before the character that has it, as one of the platforms has it, or after.
+bool _kernsBefore()
+{
+    static const bool kernsBefore = [] {
+        NSMutableAttributedString* const text =
+            [[[NSMutableAttributedString alloc] initWithString:@"xx"] autorelease];
+        const double plain = [text size].width;
+        [text addAttribute:NSKernAttributeName value:@(10.0) range:NSMakeRange(0, 1)];
+        return [text size].width < plain + 5;
+    }();
+    return kernsBefore;
+}
+
+// Measuring text is slow and the face has few fonts, so they are remembered.
+const Spacing& _spacingOf(NSFont* font)
+{
+    static std::vector<Spacing> known;
+    for (const Spacing& spacing : known) {
+        if ([spacing.font isEqual:font]) {
+            return spacing;
+        }
     }
-    return last;
+    known.push_back({[font retain], {}});
+    _fillSpacing(known.back());
+    return known.back();
 }
 
 } // namespace
@@ -187,36 +224,38 @@ NSDictionary* textAttributes(NSColor* color, NSFont* font, NSTextAlignment align
     };
 }
 
-void text(NSString* string, NSRect frame, XeTone tone, XeFontRole role, NSTextAlignment alignment)
+void text(NSString* string, NSRect frame, NSDictionary* attributes)
 {
-    NSFont* const font = [XePalette font:role];
-    NSDictionary* const attributes = textAttributes([XePalette color:tone], font, alignment);
-    [string drawInRect:lineRect(frame, font) withAttributes:attributes];
+    if ([string length] == 0) {
+        return;
+    }
+    NSFont* const font = [attributes objectForKey:NSFontAttributeName];
+    NSMutableAttributedString* const spaced =
+        [[NSMutableAttributedString alloc] initWithString:string attributes:attributes];
+    space(spaced, font);
+    [spaced drawInRect:lineRect(frame, font)];
+    [spaced release];
 }
 
-// Half of a narrow digit's gap goes before it, as kerning of the character in front.
-void spaceDigits(NSMutableAttributedString* string, NSFont* font)
+void text(NSString* string, NSRect frame, XeTone tone, XeFontRole role, NSTextAlignment alignment)
 {
-    const DigitGaps& digits = _digitGaps(font);
-    NSString* const characters = [string string];
-    std::vector<double> kerning([characters length]);
-    for (NSUInteger i = 0; i < kerning.size(); ++i) {
-        const unichar c = [characters characterAtIndex:i];
-        if (c < '0' || c > '9') {
-            continue;
-        }
-        const double gap = digits.gaps.at(c - '0');
-        const double before = i == 0 ? 0 : std::floor(gap / 2);
-        kerning[i] += gap - before;
-        if (i > 0) {
-            kerning[i - 1] += before;
-        }
+    text(string, frame, textAttributes([XePalette color:tone], [XePalette font:role], alignment));
+}
+
+void space(NSMutableAttributedString* string, NSFont* font)
+{
+    if ([string length] > kLongestSpaced) {
+        return;
     }
-    for (NSUInteger i = 0; i < kerning.size(); ++i) {
-        if (kerning[i] > 0) {
+    const Spacing& spacing = _spacingOf(font);
+    const NSUInteger offset = _kernsBefore() ? 1 : 0;
+    NSString* const characters = [string string];
+    for (NSUInteger i = 0; i + offset < [characters length]; ++i) {
+        const unichar c = [characters characterAtIndex:i];
+        if (c < Spacing::kCount) {
             [string addAttribute:NSKernAttributeName
-                           value:@(kerning[i])
-                           range:NSMakeRange(i, 1)];
+                           value:@(spacing.extra.at(c))
+                           range:NSMakeRange(i + offset, 1)];
         }
     }
 }

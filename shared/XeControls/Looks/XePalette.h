@@ -32,7 +32,7 @@ enum class XeTone : unsigned {
 /// Fonts of the face, by what they are for.
 enum class XeFontRole : unsigned {
     Text,   ///< labels, titles, pop-ups
-    Number, ///< values in fields; drawn with xenon::draw::numberText
+    Number, ///< values in fields; all digits as wide as the widest, see xenon::draw::space
     Small,  ///< units and remarks
     Strong, ///< headings
     Count_  ///< number of roles, not a role

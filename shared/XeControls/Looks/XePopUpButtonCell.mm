@@ -28,14 +28,14 @@ NSImage* _pictureOf(id<NSMenuItem> item)
     NSImage* const image = _pictureOf(item);
     if (image != nil) {
         const NSSize size = [image size];
-        const NSRect place = NSMakeRect(NSMinX(rect), NSMidY(rect) - size.height / 2, size.width,
-                                        size.height);
+        const NSRect place =
+            NSMakeRect(NSMinX(rect), NSMidY(rect) - size.height / 2, size.width, size.height);
         [image drawInRect:place
-                 fromRect:NSZeroRect
-                operation:NSCompositeSourceOver
-                 fraction:[self isEnabled] ? 1.0 : 0.4
-           respectFlipped:YES
-                    hints:nil];
+                  fromRect:NSZeroRect
+                 operation:NSCompositeSourceOver
+                  fraction:[self isEnabled] ? 1.0 : 0.4
+            respectFlipped:YES
+                     hints:nil];
         rect.origin.x += size.width + xenon::metrics::kTextInset;
         rect.size.width -= size.width + xenon::metrics::kTextInset;
     }

@@ -35,12 +35,11 @@
     const double half = metrics::kKnobDiameter / 2;
     const double groove = metrics::kGrooveHeight;
     const bool isVertical = [self _isVerticalIn:frame];
-    NSRect bar = isVertical ? NSMakeRect(std::floor(NSMidX(frame) - groove / 2),
-                                         NSMinY(frame) + half, groove,
-                                         NSHeight(frame) - 2 * half)
-                            : NSMakeRect(NSMinX(frame) + half,
-                                         std::floor(NSMidY(frame) - groove / 2),
-                                         NSWidth(frame) - 2 * half, groove);
+    NSRect bar = isVertical
+                     ? NSMakeRect(std::floor(NSMidX(frame) - groove / 2), NSMinY(frame) + half,
+                                  groove, NSHeight(frame) - 2 * half)
+                     : NSMakeRect(NSMinX(frame) + half, std::floor(NSMidY(frame) - groove / 2),
+                                  NSWidth(frame) - 2 * half, groove);
     const bool isEnabled = [self isEnabled];
     draw::roundedFill(bar, groove / 2, isEnabled ? XeTone::Border : XeTone::BorderDisabled);
     if (isVertical) {

@@ -61,17 +61,14 @@
     }
     NSDictionary* const attributes =
         xenon::draw::textAttributes([self _shownColor], [self font], [self alignment]);
-    NSMutableAttributedString* const text =
-        [[NSMutableAttributedString alloc] initWithString:[self stringValue] attributes:attributes];
-    xenon::draw::spaceDigits(text, [self font]);
-    [text drawInRect:[self drawingRectForBounds:frame]];
-    [text release];
+    xenon::draw::text([self stringValue], [self drawingRectForBounds:frame], attributes);
 }
 
 - (NSText*)setUpFieldEditorAttributes:(NSText*)editor
 {
     NSText* const prepared = [super setUpFieldEditorAttributes:editor];
-    [prepared setDrawsBackground:NO];
+    [prepared setBackgroundColor:[XePalette color:XeTone::Field]];
+    [prepared setDrawsBackground:YES];
     [prepared setTextColor:[self _shownColor]];
     if (m_editor == nil && [prepared isKindOfClass:[NSTextView class]]) {
         m_editor = static_cast<NSTextView*>(prepared);

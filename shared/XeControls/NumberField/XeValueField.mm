@@ -95,11 +95,11 @@ NSRange _clampedRange(NSRange range, NSUInteger length)
                : nil;
 }
 
-- (void)_spaceEditedDigits
+- (void)_spaceEditedText
 {
     NSTextStorage* const text = [self _editedText];
     [text removeAttribute:NSKernAttributeName range:NSMakeRange(0, [text length])];
-    xenon::draw::spaceDigits(text, [self font]);
+    xenon::draw::space(text, [self font]);
 }
 
 - (void)_showText:(NSString*)text
@@ -114,9 +114,9 @@ NSRange _clampedRange(NSRange range, NSUInteger length)
         const NSRange selection = [editor selectedRange];
         const BOOL wasWhole = NSEqualRanges(selection, _wholeOf([editor string]));
         [editor setString:text];
-        [editor setSelectedRange:wasWhole ? _wholeOf(text)
-                                          : _clampedRange(selection, [text length])];
-        [self _spaceEditedDigits];
+        [editor
+            setSelectedRange:wasWhole ? _wholeOf(text) : _clampedRange(selection, [text length])];
+        [self _spaceEditedText];
     }
 }
 
@@ -264,7 +264,7 @@ NSRange _clampedRange(NSRange range, NSUInteger length)
 - (void)textDidChange:(NSNotification*)notification
 {
     [super textDidChange:notification];
-    [self _spaceEditedDigits];
+    [self _spaceEditedText];
 }
 
 - (BOOL)abortEditing
@@ -287,17 +287,22 @@ NSRange _clampedRange(NSRange range, NSUInteger length)
 - (void)selectText:(id)sender
 {
     [super selectText:sender];
-    [self _spaceEditedDigits];
+    [self _spaceEditedText];
     [self setNeedsDisplay:YES];
 }
 
+// Clicks into the text of an edited field go to the field editor. Those that come here give the
+// field the keyboard, or the window has done so already, with everything selected.
 - (void)mouseDown:(NSEvent*)event
 {
-    if ([self isEnabled] && [self currentEditor] == nil) {
-        [[self window] makeFirstResponder:self];
+    if (![self isEnabled]) {
+        [super mouseDown:event];
         return;
     }
-    [super mouseDown:event];
+    if ([self currentEditor] == nil) {
+        [[self window] makeFirstResponder:self];
+    }
+    [[self currentEditor] setSelectedRange:_wholeOf([self stringValue])];
 }
 
 - (void)_dropTypedText

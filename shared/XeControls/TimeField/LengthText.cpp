@@ -461,14 +461,19 @@ std::int64_t LengthText::_positionOf(double point) const
     return _clamped(m_sampleRate * point / _pointsPerSecond() + (roundsUp ? 0.999 : 0.5));
 }
 
-// The last point whose sample is not after `samples`, which is 0 or more.
+// The last point whose sample is not after `samples`, which is 0 or more; on a grid finer than the
+// samples, the nearest point.
 double LengthText::_pointOf(std::int64_t samples) const
 {
     const double last = _lastPoint();
-    double point = std::floor(static_cast<double>(samples) * (_pointsPerSecond() / m_sampleRate));
-    if (point >= last) {
+    const double exact = static_cast<double>(samples) * (_pointsPerSecond() / m_sampleRate);
+    if (exact >= last) {
         return last;
     }
+    if (_pointsPerSecond() > m_sampleRate) {
+        return std::round(exact);
+    }
+    double point = std::floor(exact);
     while (point < last && _positionOf(point + 1) <= samples) {
         ++point;
     }
@@ -597,6 +602,9 @@ std::optional<std::int64_t> LengthText::parse(const _XeString<wchar_t>& text) co
         return _parseInteger(rest);
     }
     const bool isNegative = _takeMinus(rest);
+    if (rest.starts_with(L'-')) { // one sign, though it also separates fields
+        return std::nullopt;
+    }
     const std::optional<Fields> fields = Fields::read(rest, _traits());
     if (!fields) {
         return std::nullopt;

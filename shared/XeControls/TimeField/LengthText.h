@@ -15,9 +15,10 @@
 ///     text.parse(L"1.5");     // 66150
 ///
 /// A format has a grid: its frames, milliseconds, ticks, film frames. render() shows the last grid
-/// point that is not after the sample, parse() gives the sample of a grid point, so that what was
-/// rendered is parsed to the same sample whenever a grid point lies on it. Grid points fall on
-/// samples as XePosFmt places them: clock time to the nearest sample, frames rounded up.
+/// point that is not after the sample (the nearest where the grid is finer), parse() gives the
+/// sample of a grid point, so that what was rendered is parsed to the same sample whenever a grid
+/// point lies on it. Grid points fall on samples as XePosFmt places them: clock time to the nearest
+/// sample, frames rounded up.
 ///
 /// Negative counts render as the positive count with a "-" in front. Hours do not wrap at 24: a
 /// length of 25 hours is 25 hours. A count beyond what a format can show renders as the largest

@@ -17,8 +17,8 @@
 /// While the field is edited the up and down arrow keys and the wheel step the part of the text
 /// that holds the caret and send the action for each step; see LengthText::step.
 ///
-/// The context menu opens with the right button or Control and the left one, and while the field is
-/// edited with the menu key or Shift-F10.
+/// The context menu opens with the right button, also while the field is edited, and then with the
+/// menu key and Shift-F10 too.
 @interface LengthTimeField : XeValueField {
     LengthText m_text;
     std::int64_t m_minSamples;

@@ -215,16 +215,22 @@ bool _isMenuKey(NSEvent* event)
     [self setMenu:menu];
 }
 
-// The field editor lies over the field and has a menu of its own. The field takes the clicks that
-// open a menu before they get there.
+// The field editor lies over the field and has a menu of its own. The field takes the click that
+// opens a menu before it gets there.
 - (NSView*)hitTest:(NSPoint)point
 {
     NSView* const view = [super hitTest:point];
-    NSEvent* const event = [NSApp currentEvent];
-    const BOOL opensMenu =
-        [event type] == NSRightMouseDown ||
-        ([event type] == NSLeftMouseDown && ([event modifierFlags] & NSControlKeyMask) != 0);
-    return view != nil && opensMenu && [self menu] != nil ? self : view;
+    const BOOL opensMenu = [[NSApp currentEvent] type] == NSRightMouseDown && [self menu] != nil;
+    return view != nil && opensMenu ? self : view;
+}
+
+// The same where the field editor asks its delegate for its menu.
+- (NSMenu*)textView:(NSTextView*)editor
+               menu:(NSMenu*)menu
+           forEvent:(NSEvent*)event
+            atIndex:(NSUInteger)index
+{
+    return [self menu] != nil ? [self menu] : menu;
 }
 
 - (NSEvent*)_clickBelowText:(NSEvent*)event

@@ -66,19 +66,17 @@ void _assertNoError(OSStatus status, id view, SEL method, NSString* description,
     }
 }
 
-// A call that fails leaves in `value` what was there.
-template <typename Value>
-OSStatus _getGlobal(AudioUnit audioUnit, AudioUnitPropertyID property, Value* value)
+// A call that fails leaves in `outData` what was there.
+void _getGlobal(AudioUnit audioUnit, AudioUnitPropertyID property, void* outData, UInt32 size)
 {
-    UInt32 size = sizeof(Value);
-    return AudioUnitGetProperty(audioUnit, property, kAudioUnitScope_Global, 0, value, &size);
+    AudioUnitGetProperty(audioUnit, property, kAudioUnitScope_Global, 0, outData, &size);
 }
 
 // Puts the host's tempo and time signature into `format`, each only where the host tells one.
 void _readMusicalContext(AudioUnit audioUnit, XePosFmt& format)
 {
     HostCallbackInfo host{};
-    _getGlobal(audioUnit, kAudioUnitProperty_HostCallbacks, &host);
+    _getGlobal(audioUnit, kAudioUnitProperty_HostCallbacks, &host, sizeof host);
     if (host.beatAndTempoProc != nullptr) {
         Float64 tempo = 0;
         host.beatAndTempoProc(host.hostUserData, nullptr, &tempo);
@@ -182,7 +180,8 @@ void EventListenerDispatcher(void* context, void* object, const AudioUnitEvent* 
 {
     [functionPopupButton removeAllItems];
     [self _forgetFunctionStrings];
-    _getGlobal(mAU, kAudioUnitProperty_ParameterValueStrings, &mFunctionStrings);
+    _getGlobal(mAU, kAudioUnitProperty_ParameterValueStrings, &mFunctionStrings,
+               sizeof(CFArrayRef));
     for (NSString* name in (NSArray*)mFunctionStrings) {
         [functionPopupButton addItemWithTitle:name];
     }
@@ -306,7 +305,7 @@ void EventListenerDispatcher(void* context, void* object, const AudioUnitEvent* 
 - (void)_readSampleRateForValue:(Float32)eventValue
 {
     const Float64 oldRate = mSampleRate;
-    _getGlobal(mAU, kAudioUnitProperty_SampleRate, &mSampleRate);
+    _getGlobal(mAU, kAudioUnitProperty_SampleRate, &mSampleRate, sizeof mSampleRate);
     [self _updateTimeControls];
     if (mSampleRate != oldRate) {
         [self _refreshLengthsForValue:eventValue];
@@ -320,16 +319,16 @@ void EventListenerDispatcher(void* context, void* object, const AudioUnitEvent* 
     case kAudioUnitProperty_StreamFormat:
         return [self _readSampleRateForValue:value];
     case kTarvelProperty_InputLength:
-        _getGlobal(mAU, property, &mInputLength);
+        _getGlobal(mAU, property, &mInputLength, sizeof mInputLength);
         return [self _updateTimeControls];
     case kTarvelProperty_TimeFormat:
-        _getGlobal(mAU, property, &mTimeFormat);
+        _getGlobal(mAU, property, &mTimeFormat, sizeof mTimeFormat);
         return [self _updateTimeControls];
     case kTarvelProperty_AutoPreflight:
-        _getGlobal(mAU, property, &mAutoPreflight);
+        _getGlobal(mAU, property, &mAutoPreflight, sizeof mAutoPreflight);
         return;
     case kTarvelProperty_PreflightDirty:
-        _getGlobal(mAU, property, &mPreflightDirty);
+        _getGlobal(mAU, property, &mPreflightDirty, sizeof mPreflightDirty);
         return;
     default:
         return;

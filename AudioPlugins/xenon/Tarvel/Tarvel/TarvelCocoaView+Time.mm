@@ -3,6 +3,8 @@
 #import "TarvelUnits.h"
 #import "XeParameterSetter.h"
 
+#import <objc/runtime.h>
+
 namespace {
 
 // All three in samples.
@@ -89,11 +91,12 @@ void _setRange(NSStepper* stepper, double minimum, double maximum, float increme
 
 - (BOOL)validateUserInterfaceItem:(id<NSValidatedUserInterfaceItem>)item
 {
-    if ([item action] != @selector(onFormatMenuAction:) ||
+    // Selectors of one name need not be one pointer.
+    if (!sel_isEqual([item action], @selector(onFormatMenuAction:)) ||
         ![(id)item respondsToSelector:@selector(setState:)]) {
         return YES;
     }
-    const BOOL inUse = [fadeInLengthTextField format] == static_cast<UInt32>([item tag]);
+    const BOOL inUse = [item tag] == static_cast<NSInteger>([fadeInLengthTextField format]);
     [(NSMenuItem*)item setState:inUse ? NSOnState : NSOffState];
     return YES;
 }

@@ -1,0 +1,28 @@
+#import "ControlsFixture.h"
+
+@implementation ActionCounter
+
+- (void)dealloc
+{
+    [m_lastValue release];
+    [super dealloc];
+}
+
+- (void)act:(id)sender
+{
+    ++m_count;
+    [m_lastValue release];
+    m_lastValue = [[sender objectValue] retain];
+}
+
+- (int)count
+{
+    return m_count;
+}
+
+- (id)lastValue
+{
+    return m_lastValue;
+}
+
+@end
