@@ -150,7 +150,8 @@ public:
     /// True while an upgrade holder reads; false while it is promoted.
     bool upgrade() const;
 
-    /// True while a writer waits or has been kept waiting, so that no new reader enters.
+    /// True from a UniqueLock() that does not promote, while it waits and while it holds, to its
+    /// release: no new reader enters.
     bool exclusive_waiting_blocked() const;
 
 private:
