@@ -57,12 +57,12 @@ long XeProfile::getuSEC() { return static_cast<long>(td_.total_microseconds()); 
 
 std::shared_ptr<void> XeProfile::start() { return std::make_shared<TimeStamp>(_now()); }
 
-long XeProfile::elapsed_milliseconds(std::shared_ptr<void> token)
+long XeProfile::elapsed_milliseconds(const std::shared_ptr<void>& token)
 {
-    return elapsed_microseconds(std::move(token)) / 1000;
+    return elapsed_microseconds(token) / 1000;
 }
 
-long XeProfile::elapsed_microseconds(std::shared_ptr<void> token)
+long XeProfile::elapsed_microseconds(const std::shared_ptr<void>& token)
 {
     return static_cast<long>(_since(token).total_microseconds());
 }

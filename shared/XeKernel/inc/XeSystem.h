@@ -95,8 +95,8 @@ public:
 
     /// A stopwatch of the caller's own: a token that holds the present moment, and the time since.
     static std::shared_ptr<void> start();
-    static long elapsed_milliseconds(std::shared_ptr<void> token);
-    static long elapsed_microseconds(std::shared_ptr<void> token);
+    static long elapsed_milliseconds(const std::shared_ptr<void>& token);
+    static long elapsed_microseconds(const std::shared_ptr<void>& token);
 
     /// Begins a session and returns its index, counted from 0 in the order of beginning.
     static int SessionBegin(_XeString<wchar_t> name, _XeString<wchar_t> detail);
