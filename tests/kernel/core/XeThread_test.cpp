@@ -1,11 +1,12 @@
 #include "XeSystem.h"
 #include "XeThread.h"
 
+#include "OpenDescriptors.h"
+
 #include <gtest/gtest.h>
 
 #include <boost/thread/exceptions.hpp>
 
-#include <dirent.h>
 #include <pthread.h>
 #include <sys/resource.h>
 
@@ -371,17 +372,6 @@ TEST(LightThread, NamesTheCallingThread)
         events.set_name("caller");
         EXPECT_EQ(currentThreadName(), "caller");
     }).get();
-}
-
-std::size_t openDescriptors()
-{
-    std::size_t count = 0;
-    DIR* const folder = opendir("/proc/self/fd");
-    while (readdir(folder) != nullptr) {
-        ++count;
-    }
-    closedir(folder);
-    return count;
 }
 
 TEST(ThreadResources, TenThousandCyclesLeaveNothingBehind)
