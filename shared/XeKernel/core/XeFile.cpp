@@ -130,7 +130,7 @@ std::size_t _toPairs(std::wstring_view text, _Utf16Units& units)
 {
     std::size_t count = 0;
     for (const wchar_t element : text) {
-        const auto character = static_cast<std::uint32_t>(element);
+        const auto character = static_cast<char32_t>(element);
         if (character < 0x10000) {
             units[count++] = static_cast<char16_t>(character);
         } else {

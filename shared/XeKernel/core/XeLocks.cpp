@@ -3,9 +3,12 @@
 #include "XeSafeCRT.h"
 #include "XeSystem.h"
 
+#include <boost/thread/exceptions.hpp>
 #include <boost/thread/mutex.hpp>
 #include <boost/thread/recursive_mutex.hpp>
 #include <boost/thread/shared_mutex.hpp>
+
+#include <cerrno>
 
 namespace {
 
@@ -34,25 +37,44 @@ struct _StateReader {
 
 template struct _StateReader<&boost::shared_mutex::state, &boost::shared_mutex::state_change>;
 
+/// Calls a function on a mutex, again whenever a signal interrupts it. Without a mutex nothing is
+/// done, successfully.
+int _untilDone(int (*call)(pthread_mutex_t*), const std::unique_ptr<pthread_mutex_t>& mutex)
+{
+    int error = 0;
+    do {
+        error = mutex ? call(mutex.get()) : 0;
+    } while (error == EINTR);
+    return error;
+}
+
 } // namespace
 
-XeMutex::XeMutex(const char* name) : m_mutex(std::make_unique<boost::mutex>()), m_name(name) {}
-
-XeMutex::~XeMutex() = default;
-
-void XeMutex::Lock()
+// Not a boost::mutex: its unlock() keeps errors to itself, and whether it repeats an interrupted
+// call depends on the system that Boost was set up for.
+XeMutex::XeMutex(const char* name) : m_mutex(std::make_unique<pthread_mutex_t>()), m_name(name)
 {
-    if (m_mutex) {
-        m_mutex->lock();
+    if (const int error = pthread_mutex_init(m_mutex.get(), nullptr); error != 0) {
+        throw boost::thread_resource_error(
+            error, "boost:: mutex constructor failed in pthread_mutex_init");
     }
 }
 
-bool XeMutex::TryLock() { return m_mutex && m_mutex->try_lock(); }
+XeMutex::~XeMutex() { _untilDone(pthread_mutex_destroy, m_mutex); }
+
+void XeMutex::Lock()
+{
+    if (const int error = _untilDone(pthread_mutex_lock, m_mutex); error != 0) {
+        throw boost::lock_error(error, "boost: mutex lock failed in pthread_mutex_lock");
+    }
+}
+
+bool XeMutex::TryLock() { return m_mutex && _untilDone(pthread_mutex_trylock, m_mutex) == 0; }
 
 void XeMutex::Unlock()
 {
-    if (m_mutex) {
-        m_mutex->unlock();
+    if (const int error = _untilDone(pthread_mutex_unlock, m_mutex); error != 0) {
+        throw boost::lock_error(error, "boost: mutex unlock failed in pthread_mutex_unlock");
     }
 }
 
@@ -63,11 +85,14 @@ XeCriticalSection::XeCriticalSection(const char* name)
 
 XeCriticalSection::~XeCriticalSection() = default;
 
-// Written by the owner only; atomic for those who look from outside.
+// Written by the owner only, under the lock; atomic for those who look from outside, without the
+// cost of an order that the lock gives anyway.
 void XeCriticalSection::_entered()
 {
-    if (m_recursionCount++ == 0) {
-        m_lockingId = XeSystem::GetCurrentThreadId();
+    const std::uint64_t depth = RecursionCount();
+    m_recursionCount.store(depth + 1, std::memory_order_relaxed);
+    if (depth == 0) {
+        m_lockingId.store(XeSystem::GetCurrentThreadId(), std::memory_order_relaxed);
     }
 }
 
@@ -93,7 +118,7 @@ bool XeCriticalSection::TryEnter()
 void XeCriticalSection::Leave()
 {
     if (m_mutex) {
-        --m_recursionCount;
+        m_recursionCount.store(RecursionCount() - 1, std::memory_order_relaxed);
         m_mutex->unlock();
     }
 }
@@ -105,9 +130,15 @@ XeSharedMutex::XeSharedMutex(const char* name)
 
 XeSharedMutex::~XeSharedMutex() = default;
 
+// A thread finds its own id only where it has stored it itself, so no order is needed.
 bool XeSharedMutex::_callerOwnsUpgrade() const
 {
-    return m_upgradeOwner == XeSystem::GetCurrentThreadId();
+    return m_upgradeOwner.load(std::memory_order_relaxed) == XeSystem::GetCurrentThreadId();
+}
+
+void XeSharedMutex::_setUpgradeOwner(std::uint64_t thread)
+{
+    m_upgradeOwner.store(thread, std::memory_order_relaxed);
 }
 
 void XeSharedMutex::SharedLock()
@@ -130,7 +161,7 @@ void XeSharedMutex::UpgradeLock()
 {
     if (m_mutex) {
         m_mutex->lock_upgrade();
-        m_upgradeOwner = XeSystem::GetCurrentThreadId();
+        _setUpgradeOwner(XeSystem::GetCurrentThreadId());
     }
 }
 
@@ -139,7 +170,7 @@ bool XeSharedMutex::TryUpgradeLock()
     if (!m_mutex || !m_mutex->try_lock_upgrade()) {
         return false;
     }
-    m_upgradeOwner = XeSystem::GetCurrentThreadId();
+    _setUpgradeOwner(XeSystem::GetCurrentThreadId());
     return true;
 }
 
@@ -147,7 +178,7 @@ bool XeSharedMutex::TryUpgradeLock()
 void XeSharedMutex::UpgradeUnlock()
 {
     if (m_mutex) {
-        m_upgradeOwner = 0;
+        _setUpgradeOwner(0);
         m_mutex->unlock_upgrade();
     }
 }

@@ -9,8 +9,8 @@
 #include <boost/thread/mutex.hpp>
 #include <boost/thread/thread.hpp>
 
+#include <atomic>
 #include <cerrno>
-#include <latch>
 #include <mutex>
 
 namespace {
@@ -56,8 +56,14 @@ struct _Call {
 
 /// The two moments of a start that the other side waits for. Shared, so that neither outlives it.
 struct XeThread::Start {
-    std::latch built{1}; // by the constructor: the worker may look at the fields
-    std::latch begun{1}; // by the worker: it has read what it needs of them
+    static void tell(std::atomic<bool>& moment)
+    {
+        moment = true;
+        moment.notify_all();
+    }
+
+    std::atomic<bool> built{false}; // by the constructor: the worker may look at the fields
+    std::atomic<bool> begun{false}; // by the worker: it has read what it needs of them
 };
 
 XeThread::XeThread(Function function, void* arg, unsigned int flags, const char* name)
@@ -68,19 +74,19 @@ XeThread::XeThread(Function function, void* arg, unsigned int flags, const char*
         m_eventMutex = std::make_unique<boost::mutex>();
     }
     m_thread = std::make_unique<boost::thread>([this, arg] { begin(this, arg); });
-    m_start->built.count_down();
+    Start::tell(m_start->built);
 }
 
 // A worker that has not begun would look at an object that is gone.
-XeThread::~XeThread() { m_start->begun.wait(); }
+XeThread::~XeThread() { m_start->begun.wait(false); }
 
 void XeThread::begin(XeThread* self, void* arg) noexcept
 {
     const std::shared_ptr<Start> start = self->m_start;
-    start->built.wait();
+    start->built.wait(false);
     _Call call{self->m_function, self, arg};
     SetName(self->m_name);
-    start->begun.count_down();
+    Start::tell(start->begun);
     if (call.function != nullptr) {
         _callWithPool(_Call::run, &call);
     }

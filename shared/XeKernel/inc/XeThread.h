@@ -1,7 +1,6 @@
 #pragma once
 
 #include <atomic>
-#include <concepts>
 #include <condition_variable>
 #include <cstdint>
 #include <memory>
@@ -9,6 +8,8 @@
 #include <thread>
 #include <type_traits>
 #include <utility>
+
+#include <pthread.h>
 
 namespace boost {
 class condition_variable;
@@ -20,10 +21,11 @@ class thread;
 
 // Locks ---------------------------------------------------------------------------------------
 //
-// Each class owns one lock of Boost.Thread on the heap. Names are kept, not copied, for whoever
-// looks at a lock in a debugger; they must outlive the lock. The lower-case operations are the
-// capitalised ones under the names that standard guards call. Nothing is copyable or movable.
-// Destroying a held lock is the caller's error and not checked. [any], unless stated otherwise.
+// Each class owns one lock of the system or of Boost.Thread on the heap. Names are kept, not
+// copied, for whoever looks at a lock in a debugger; they must outlive the lock. The lower-case
+// operations are the capitalised ones under the names that standard guards call. Nothing is
+// copyable or movable. Destroying a held lock is the caller's error and not checked. [any], unless
+// stated otherwise.
 
 /// Plain exclusive lock.
 ///
@@ -52,7 +54,7 @@ public:
     void unlock() { Unlock(); }
 
 private:
-    std::unique_ptr<boost::mutex> m_mutex;
+    std::unique_ptr<pthread_mutex_t> m_mutex;
     const char* m_name;
 };
 
@@ -80,10 +82,13 @@ public:
     /// The thread that last entered from depth 0, as XeSystem::GetCurrentThreadId tells it; 0
     /// before the first time. It keeps naming that thread after the last Leave(): compare it only
     /// while RecursionCount() is not 0. Exact on the owning thread, possibly stale on others.
-    std::uint64_t LockingId() const { return m_lockingId; }
+    std::uint64_t LockingId() const { return m_lockingId.load(std::memory_order_relaxed); }
 
     /// Present depth, 0 when free. Exact on the owning thread, possibly stale on others.
-    std::uint64_t RecursionCount() const { return m_recursionCount; }
+    std::uint64_t RecursionCount() const
+    {
+        return m_recursionCount.load(std::memory_order_relaxed);
+    }
 
 private:
     void _entered();
@@ -156,6 +161,7 @@ public:
 
 private:
     bool _callerOwnsUpgrade() const;
+    void _setUpgradeOwner(std::uint64_t thread);
 
     std::unique_ptr<boost::shared_mutex> m_mutex;
     std::atomic<std::uint64_t> m_upgradeOwner{0}; // thread id, 0 for none
@@ -258,10 +264,9 @@ public:
     /// the process.
     /// @throws std::system_error  when the system refuses a thread.
     template <typename Function>
-    requires(!std::same_as<std::remove_cvref_t<Function>, thread>) explicit thread(
-        Function&& function)
+    explicit thread(Function function)
     {
-        m_thread = std::thread([this, run = std::forward<Function>(function)]() mutable noexcept {
+        m_thread = std::thread([this, run = std::move(function)]() mutable noexcept {
             m_built.wait(false);
             if constexpr (std::is_invocable_v<Function&, thread&>) {
                 run(*this);

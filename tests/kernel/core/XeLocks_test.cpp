@@ -1,9 +1,9 @@
 #include "XeSystem.h"
 #include "XeThread.h"
 
-#include <gtest/gtest.h>
+#include "OpenDescriptors.h"
 
-#include <boost/thread/exceptions.hpp>
+#include <gtest/gtest.h>
 
 #include <atomic>
 #include <chrono>
@@ -442,6 +442,20 @@ TEST(LockStress, MutexAndCriticalSectionExclude)
     }
     EXPECT_EQ(byMutex, 80000);
     EXPECT_EQ(bySection, 80000);
+}
+
+TEST(LockResources, TenThousandCyclesLeaveNothingBehind)
+{
+    const std::size_t descriptors = openDescriptors();
+    const unsigned threads = XeSystem::GetCurrentThreadCount();
+    for (int i = 0; i < 10000; ++i) {
+        XeMutex mutex("cycle");
+        XeCriticalSection section("cycle");
+        XeSharedMutex shared("cycle");
+        const std::scoped_lock all(mutex, section, shared);
+    }
+    EXPECT_EQ(openDescriptors(), descriptors);
+    EXPECT_EQ(XeSystem::GetCurrentThreadCount(), threads);
 }
 
 } // namespace

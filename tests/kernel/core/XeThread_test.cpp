@@ -16,6 +16,7 @@
 #include <future>
 #include <latch>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace {
@@ -374,6 +375,59 @@ TEST(LightThread, NamesTheCallingThread)
     }).get();
 }
 
+// A worker that answers every request, over two of its events: none is lost and none comes twice.
+TEST(ThreadEventStress, OneWaiterSeesEverySignal)
+{
+    constexpr unsigned kRequest = 0x1;
+    constexpr int kRequests = 20000;
+    int handled = 0; // handed over by the events alone
+    xenon::thread answers;
+    Worker worker([&](XeThread& self) {
+        while ((self.WaitOnAnyEvent(kRequest | kStop) & kStop) == 0) {
+            ++handled;
+            answers.signal(kRequest);
+        }
+    });
+    for (int i = 0; i < kRequests; ++i) {
+        worker.thread.SignalEvent(kRequest);
+        worker.thread.ResetEvent(0x2); // wakes it for nothing
+        answers.wait(kRequest);
+        ASSERT_EQ(handled, i + 1);
+    }
+    worker.thread.SignalEvent(kStop);
+    worker.thread.WaitUntilTerminated();
+    EXPECT_EQ(handled, kRequests);
+}
+
+// Each waiter has a bit of its own; several producers set them all and wake everybody.
+TEST(ThreadEventStress, ManyWaitersSeeEverySignal)
+{
+    constexpr unsigned kWaiters = 4;
+    constexpr int kRounds = 3000;
+    xenon::thread requests;
+    xenon::thread answers;
+    std::vector<std::thread> waiters;
+    for (unsigned bit = 0; bit < kWaiters; ++bit) {
+        waiters.emplace_back([&, bit] {
+            for (int round = 0; round < kRounds; ++round) {
+                round % 2 == 0 ? requests.wait(1u << bit)
+                               : static_cast<void>(requests.wait_any(1u << bit));
+                answers.signal(1u << bit);
+            }
+        });
+    }
+    constexpr unsigned kAll = (1u << kWaiters) - 1;
+    for (int round = 0; round < kRounds; ++round) {
+        std::thread other([&] { requests.signal_all(kAll & 0x5); });
+        requests.signal_all(kAll & ~0x5u);
+        answers.wait(kAll);
+        other.join();
+    }
+    for (std::thread& waiter : waiters) {
+        waiter.join();
+    }
+}
+
 TEST(ThreadResources, TenThousandCyclesLeaveNothingBehind)
 {
     {
@@ -381,7 +435,7 @@ TEST(ThreadResources, TenThousandCyclesLeaveNothingBehind)
     }
     const std::size_t descriptors = openDescriptors();
     const unsigned threads = XeSystem::GetCurrentThreadCount();
-    for (int i = 0; i < 5000; ++i) {
+    for (int i = 0; i < 10000; ++i) {
         XeThread thread(doNothing, nullptr, 1, "cycle");
         thread.WaitUntilTerminated();
         xenon::thread light([] {});
