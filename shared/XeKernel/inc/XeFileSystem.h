@@ -10,8 +10,7 @@
 /// written over an argument's own text: `splitFileURL(url.c_str(), folder, url)` is allowed. [any]
 namespace XeFileSystem {
 
-// --- Tests
-// ----------------------------------------------------------------------------------------
+// --- Tests --------------------------------------------------------------------------------
 
 /// True when `path` names a regular file, directly or through links. A path that cannot be looked
 /// up (no rights on a parent, a loop of links, a name too long) is not present. Blocks on the file
@@ -23,10 +22,21 @@ bool isFilePresent(_XeString<wchar_t> const& path);
 bool isFolderPresent(wchar_t const* path);
 bool isFolderPresent(_XeString<wchar_t> const& path);
 
-// --- URLs and file names
-// -------------------------------------------------------------------------- These work on text
-// alone. When built, a path has at most 1023 characters and a file name at most 255; as valid
-// counts a path of up to 1024.
+// --- Changes ------------------------------------------------------------------------------
+
+/// Creates a folder with all missing levels above it. Blocks on the file system.
+///
+/// An existing folder, also through a link, is success. When a level cannot be made, those that
+/// this call has made are removed again.
+///
+/// @return  0; kXeFileOperationFailed when there is no folder of that path afterwards, as for the
+///          empty path or one with a file in its way.
+XeResult createFolder(wchar_t const* path);
+
+// --- URLs and file names ------------------------------------------------------------------
+//
+// These work on text alone. When built, a path has at most 1023 characters and a file name at most
+// 255; as valid counts a path of up to 1024.
 
 /// Cuts a URL behind its last '/' or '\\'. The folder keeps that separator.
 ///

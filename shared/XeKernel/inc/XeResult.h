@@ -11,6 +11,7 @@ inline constexpr XeResult kXeOk                   = 0;
 inline constexpr XeResult kXeInvalidArgument      = static_cast<XeResult>(0x80000003);
 inline constexpr XeResult kXeGeneralFailure       = static_cast<XeResult>(0x80000008);
 inline constexpr XeResult kXeUnexpected           = static_cast<XeResult>(0x8000FFFF);
+inline constexpr XeResult kXeFileOperationFailed  = static_cast<XeResult>(0x8004E014);
 inline constexpr XeResult kXeOpenFailed           = static_cast<XeResult>(0x8004E015);
 inline constexpr XeResult kXeDestinationExists    = static_cast<XeResult>(0x8004E023);
 inline constexpr XeResult kXeRemoteVolumeGone     = static_cast<XeResult>(0x8004E195);

@@ -1,5 +1,6 @@
 #include "XeFileSystem.h"
 
+#include "OrdinaryUser.h"
 #include "TemporaryFolder.h"
 #include "XePath.h"
 #include "core/XeNativePath.h"
@@ -98,6 +99,59 @@ TEST_F(Presence, NamesAreTakenAsTheirBytes)
     expectFile(file("caf\xC3\xA9"));
     expectFile(file("not utf-8 \xE9\xFF"));
     expectNothing(m_folder / "cafe\xCC\x81");
+}
+
+class CreateFolder : public Presence {
+protected:
+    static XeResult create(const Text& path) { return XeFileSystem::createFolder(path.c_str()); }
+    static XeResult create(const fs::path& path) { return create(wide(path)); }
+
+    static constexpr auto kFailed = static_cast<XeResult>(0x8004E014);
+};
+
+TEST_F(CreateFolder, MakesAllMissingLevels)
+{
+    for (const char* name : {"one", "one/two", "a/b/c", "slash/", "d/e/", "x//y", "f/./g"}) {
+        SCOPED_TRACE(name);
+        EXPECT_EQ(create(m_folder / name), 0);
+        EXPECT_TRUE(fs::is_directory(m_folder / name));
+        EXPECT_EQ(create(m_folder / name), 0); // now it exists
+    }
+    fs::create_directory_symlink(m_folder / "one", m_folder / "link");
+    EXPECT_EQ(create(m_folder / "link"), 0);
+    EXPECT_EQ(create(m_folder / "link/inside"), 0);
+    EXPECT_TRUE(fs::is_directory(m_folder / "one/inside"));
+}
+
+TEST_F(CreateFolder, RelativePathStartsInTheWorkingFolder)
+{
+    const fs::path before = fs::current_path();
+    fs::current_path(m_folder.path());
+    EXPECT_EQ(create(fs::path("here/there")), 0);
+    fs::current_path(before);
+    EXPECT_TRUE(fs::is_directory(m_folder / "here/there"));
+}
+
+TEST_F(CreateFolder, FailureLeavesNoLevelBehind)
+{
+    file("file");
+    fs::create_symlink(m_folder / "nowhere", m_folder / "dangling");
+    for (const auto& path :
+         {wide(m_folder / "file"), wide(m_folder / "file/below"), wide(m_folder / "dangling"),
+          wide(m_folder / "dangling/below"), wide(m_folder / "new/levels" / std::string(256, 'n')),
+          Text(wide(m_folder / "new/levels/") + L'\xD800'), Text()}) {
+        EXPECT_EQ(create(path), kFailed);
+    }
+    EXPECT_EQ(XeFileSystem::createFolder(nullptr), kFailed);
+    EXPECT_FALSE(fs::exists(m_folder / "new"));
+    EXPECT_FALSE(fs::exists(m_folder / "nowhere"));
+}
+
+TEST_F(CreateFolder, FailsWithoutRights)
+{
+    fs::permissions(m_folder.path(), fs::perms(0755));
+    asOrdinaryUser([&] { EXPECT_EQ(create(m_folder / "a/b"), kFailed); });
+    EXPECT_FALSE(fs::exists(m_folder / "a"));
 }
 
 } // namespace
