@@ -184,25 +184,61 @@ TEST_F(XeLabelTest, TextHasTheColorItWasGiven)
 
 using XeTextFieldCellTest = ControlsTest<XeThresholdField>;
 
-// One field editor serves the whole window of the host.
-TEST_F(XeTextFieldCellTest, FieldEditorGetsItsOwnCaretBack)
+// One field editor serves the whole window of the host, and gets its own looks back however the
+// editing ends.
+class FieldEditorLooksTest : public XeTextFieldCellTest {
+protected:
+    void SetUp() override
+    {
+        XeTextFieldCellTest::SetUp();
+        if (IsSkipped()) {
+            return;
+        }
+        m_other = [[[NSTextField alloc] initWithFrame:NSMakeRect(50, 20, 100, 22)] autorelease];
+        [[m_window contentView] addSubview:m_other];
+        [m_window makeFirstResponder:m_other];
+        m_caret = [[otherEditor() insertionPointColor] retain];
+        m_marking = [[otherEditor() selectedTextAttributes] retain];
+        focus();
+        EXPECT_EQ([editor() insertionPointColor], [XePalette color:XeTone::Accent]);
+        EXPECT_EQ([[editor() selectedTextAttributes] objectForKey:NSBackgroundColorAttributeName],
+                  [XePalette color:XeTone::Selection]);
+    }
+    void TearDown() override
+    {
+        [m_caret release];
+        [m_marking release];
+        XeTextFieldCellTest::TearDown();
+    }
+    NSTextView* otherEditor() { return static_cast<NSTextView*>([m_other currentEditor]); }
+    void expectOwnLooksInOther()
+    {
+        [m_window makeFirstResponder:m_other];
+        EXPECT_TRUE([[otherEditor() insertionPointColor] isEqual:m_caret]);
+        EXPECT_EQ([otherEditor() selectedTextAttributes], m_marking);
+    }
+
+    NSTextField* m_other = nil; // owned by the window
+    NSColor* m_caret = nil;
+    NSDictionary* m_marking = nil;
+};
+
+TEST_F(FieldEditorLooksTest, ComeBackWhenFocusMovesOn) { expectOwnLooksInOther(); }
+
+TEST_F(FieldEditorLooksTest, ComeBackWhenTheFieldIsSwitchedOff)
 {
-    NSTextField* const other =
-        [[[NSTextField alloc] initWithFrame:NSMakeRect(50, 20, 100, 22)] autorelease];
-    [[m_window contentView] addSubview:other];
-    [m_window makeFirstResponder:other];
-    NSColor* const caret =
-        [[[(NSTextView*)[other currentEditor] insertionPointColor] retain] autorelease];
-    NSDictionary* const marking =
-        [[[(NSTextView*)[other currentEditor] selectedTextAttributes] retain] autorelease];
-    focus();
-    EXPECT_EQ([editor() insertionPointColor], [XePalette color:XeTone::Accent]);
-    EXPECT_EQ([[editor() selectedTextAttributes] objectForKey:NSBackgroundColorAttributeName],
-              [XePalette color:XeTone::Selection]);
-    [m_window makeFirstResponder:other];
-    NSTextView* const back = (NSTextView*)[other currentEditor];
-    EXPECT_TRUE([[back insertionPointColor] isEqual:caret]);
-    EXPECT_EQ([back selectedTextAttributes], marking);
+    [m_control setEnabled:NO];
+    expectOwnLooksInOther();
+}
+
+// Being taken out is one way of leaving the field: what was typed is taken.
+TEST_F(FieldEditorLooksTest, ComeBackWhenTheFieldIsTakenOutWhileTyping)
+{
+    type(@"-1");
+    [m_control removeFromSuperview];
+    m_control = nil;
+    expectOwnLooksInOther();
+    EXPECT_EQ([m_counter count], 1);
 }
 
 // Nothing jumps when editing begins.

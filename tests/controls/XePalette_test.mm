@@ -79,7 +79,6 @@ TEST(XePalette, FaceIsSetInInter)
         GTEST_SKIP() << "the font Inter is not installed";
     }
     EXPECT_STREQ([[[XePalette font:XeFontRole::Text] fontName] UTF8String], "Inter-Regular");
-    EXPECT_STREQ([[[XePalette font:XeFontRole::Strong] fontName] UTF8String], "Inter-SemiBold");
 }
 
 } // namespace

@@ -19,10 +19,9 @@ enum class XeTone : unsigned {
     BorderHover,     ///< outline under the pointer
     BorderDisabled,  ///< outline of a control that takes no input
     Text,            ///< values, titles and names
-    TextSecondary,   ///< units and remarks
+    TextSecondary,   ///< knobs at rest, remarks
     TextDisabled,    ///< text of a control that takes no input
     Accent,          ///< the one accent colour: slider fill, chosen radio, caret
-    AccentHover,     ///< accent under the pointer
     AccentDisabled,  ///< accent of a control that takes no input
     Selection,       ///< behind selected text
     FocusRing,       ///< ring round the control that has the keyboard
@@ -33,8 +32,6 @@ enum class XeTone : unsigned {
 enum class XeFontRole : unsigned {
     Text,   ///< labels, titles, pop-ups
     Number, ///< values in fields; all digits as wide as the widest, see xenon::draw::space
-    Small,  ///< units and remarks
-    Strong, ///< headings
     Count_  ///< number of roles, not a role
 };
 
@@ -66,13 +63,10 @@ namespace xenon::metrics {
 constexpr double kCornerRadius = 3.0;   ///< of fields, buttons and pop-ups
 constexpr double kFocusRingWidth = 2.0; ///< drawn inside the frame, so nothing clips it
 constexpr double kTextInset = 6.0;      ///< between the edge of a control and its text
-constexpr double kControlHeight = 22.0; ///< fields, pop-ups, buttons
-constexpr double kStepperWidth = 17.0;
 constexpr double kKnobDiameter = 14.0;
 constexpr double kGrooveHeight = 4.0;
 constexpr double kRadioDiameter = 14.0;
 constexpr double kFontSize = 12.0;
 constexpr double kNumberSize = 12.0;
-constexpr double kSmallFontSize = 11.0;
 
 } // namespace xenon::metrics

@@ -30,7 +30,6 @@ constexpr struct ToneRow {
     { XeTone::TextSecondary,   0xA9B0BA },
     { XeTone::TextDisabled,    0x7C838D },
     { XeTone::Accent,          0x4C9EEB },
-    { XeTone::AccentHover,     0x6FB3F2 },
     { XeTone::AccentDisabled,  0x46566A },
     { XeTone::Selection,       0x2A527A },
     { XeTone::FocusRing,       0x4C9EEB },
@@ -44,8 +43,6 @@ constexpr struct FontRow {
 } kFonts[] = {
     { XeFontRole::Text,   "Inter-Regular",  "DejaVuSans",      xenon::metrics::kFontSize      },
     { XeFontRole::Number, "Inter-Regular",  "DejaVuSans",      xenon::metrics::kNumberSize    },
-    { XeFontRole::Small,  "Inter-Regular",  "DejaVuSans",      xenon::metrics::kSmallFontSize },
-    { XeFontRole::Strong, "Inter-SemiBold", "DejaVuSans-Bold", xenon::metrics::kFontSize      },
 };
 // clang-format on
 

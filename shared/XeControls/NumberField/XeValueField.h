@@ -4,10 +4,10 @@
 
 /// A field that shows and edits one value as text: what length and threshold fields share. [main]
 ///
-/// Typing. Focus selects the whole text. Return, Tab and leaving the field take what was typed: the
-/// action is sent once, after the value was taken, and only when the text was changed. A text that
-/// makes no value is refused with a beep and the old text comes back. Escape brings the old text
-/// back as well. Return keeps the field selected.
+/// Typing. Focus selects the whole text. Return, Tab and leaving the field (also by being taken out
+/// of the window) take what was typed: the action is sent once, after the value was taken, and only
+/// when the text was changed. A text that makes no value is refused with a beep and the old text
+/// comes back. Escape brings the old text back as well. Return keeps the field selected.
 ///
 /// A value that the program sets while the user is typing is kept and not shown, so that nothing
 /// typed is lost; if the typing ends without a value of its own, the last value set shows. A field

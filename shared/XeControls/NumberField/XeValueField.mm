@@ -104,6 +104,9 @@ NSRange _clampedRange(NSRange range, NSUInteger length)
 
 - (void)_showText:(NSString*)text
 {
+    if ([self currentEditor] == nil && [text isEqualToString:m_shownText]) {
+        return; // automation often changes less than is shown
+    }
     [m_shownText autorelease];
     m_shownText = [text copy];
     [[self cell] setStringValue:text];
