@@ -78,7 +78,15 @@ private:
     mutable std::map<std::string, id> m_outlets; // as the description connected them
 };
 
-/// Keeps the texts of failed assertions, which then let the failed method go on.
+/// What an assertion handler was told of a failure.
+struct Failure {
+    std::string method;
+    std::string file; // without its folders
+    id object = nil;
+    std::string text;
+};
+
+/// Keeps failed assertions, which then let the failed method go on.
 class AssertionRecorder {
 public:
     AssertionRecorder();
@@ -86,7 +94,8 @@ public:
     AssertionRecorder(const AssertionRecorder&) = delete;
     AssertionRecorder& operator=(const AssertionRecorder&) = delete;
 
-    std::vector<std::string> take(); // since the last take
+    std::vector<std::string> take(); // texts since the last take
+    std::vector<Failure> takeFailures();
 
 private:
     id m_handler;

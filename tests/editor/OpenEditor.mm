@@ -11,7 +11,7 @@
 /// Records instead of raising. No NSAssertionHandler, because that one's method must not return.
 @interface RecordingAssertionHandler : NSObject {
 @public
-    std::vector<std::string> texts;
+    std::vector<editor_test::Failure> failures;
 }
 @end
 
@@ -28,8 +28,11 @@
     NSString* const text = [[[NSString alloc] initWithFormat:format
                                                    arguments:arguments] autorelease];
     va_end(arguments);
-    (void)selector, (void)object, (void)fileName, (void)line;
-    texts.emplace_back([text UTF8String]);
+    (void)line;
+    failures.push_back({[NSStringFromSelector(selector) UTF8String],
+                        [[fileName lastPathComponent] UTF8String],
+                        object,
+                        [text UTF8String]});
 }
 
 @end
@@ -236,9 +239,18 @@ AssertionRecorder::~AssertionRecorder()
     [m_handler release];
 }
 
+std::vector<Failure> AssertionRecorder::takeFailures()
+{
+    return std::exchange(((RecordingAssertionHandler*)m_handler)->failures, {});
+}
+
 std::vector<std::string> AssertionRecorder::take()
 {
-    return std::exchange(((RecordingAssertionHandler*)m_handler)->texts, {});
+    std::vector<std::string> texts;
+    for (const Failure& failure : takeFailures()) {
+        texts.push_back(failure.text);
+    }
+    return texts;
 }
 
 } // namespace editor_test

@@ -1,5 +1,6 @@
 #import "ControlRecorder.h"
 #import "EditorTest.h"
+#import "XeTry.h"
 
 #include "host/effect/HostMusic.h"
 
@@ -181,6 +182,48 @@ TEST_F(Binding, AFailedListenerIsAnAssertionAndBindingGoesOn)
     // Without a listener each of the fourteen registrations fails too.
     EXPECT_THAT(assertions.take(), ElementsAreArray(Lines{kCreateFailed} + Lines(14, kAddFailed)));
     EXPECT_EQ(editor.doubleValue("attackSlider"), -48);
+}
+
+TEST_F(Binding, AnAssertionNamesTheMethodTheViewAndTheSource)
+{
+    open();
+    AssertionRecorder assertions;
+    const auto expectNames = [&](const char* method) {
+        SCOPED_TRACE(method);
+        const std::vector<editor_test::Failure> failures = assertions.takeFailures();
+        ASSERT_EQ(failures.size(), 1u);
+        EXPECT_EQ(failures[0].method, method);
+        EXPECT_EQ(failures[0].file, "TarvelCocoaView+Binding.mm");
+        EXPECT_EQ(failures[0].object, editor().view());
+    };
+    fail("AUEventListenerAddEventType", {}, 3);
+    rebind();
+    expectNames("_addListeners");
+    fail("AudioUnitGetParameter", {}, 3);
+    rebind();
+    expectNames("_synchronizeUIWithParameterValues");
+    const auto listener = ivar<AUEventListenerRef>(editor().view(), "mEventListener");
+    fail("AUListenerDispose", {}, 1);
+    rebind();
+    expectNames("_removeListeners");
+    EXPECT_EQ(AUListenerDispose(listener), noErr);
+}
+
+// The platform's own handler raises. The half-bound view goes with the host's pool.
+TEST_F(Binding, WithThePlatformsHandlerAFailureEndsOpeningWithAnException)
+{
+    fail("AUEventListenerAddEventType", {}, 5);
+    char text[500] = "";
+    @autoreleasepool {
+        const auto openOne = [](void* unit) {
+            [editor_test::newFactory() uiViewForAudioUnit:(AudioUnit)unit withSize:NSZeroSize];
+        };
+        EXPECT_EQ(XeTry(openOne, &effect(), text, sizeof text), 1);
+        EXPECT_EQ(audiounit_compat::liveListenerCount(), 1u);
+    }
+    EXPECT_THAT(text, testing::StartsWith("NSInternalInconsistencyException: "));
+    EXPECT_THAT(text, testing::HasSubstr(kAddFailed));
+    EXPECT_EQ(audiounit_compat::liveListenerCount(), 0u);
 }
 
 TEST_F(Binding, EachFailedRegistrationIsAnAssertionAndBindingGoesOn)

@@ -137,6 +137,20 @@ TEST_F(View, HasOneSizeAndNoAutoresizing)
     }
 }
 
+// On GNUstep a matrix with a cell that can be selected takes the window's field editor on a click,
+// and ends its editing once more when it goes; by then the window may be gone.
+TEST_F(View, TheUnitCellsAreNotForEditing)
+{
+    NSMatrix* const units = open().outlet("gainUnitsButtons");
+    @autoreleasepool {
+        ASSERT_EQ([[units cells] count], 2u);
+        for (NSCell* cell in [units cells]) {
+            EXPECT_FALSE([cell isSelectable]);
+            EXPECT_FALSE([cell isEditable]);
+        }
+    }
+}
+
 bool isPopulated(NSRect rect) { return rect.size.width > 0 && rect.size.height > 0; }
 
 TEST_F(View, LetsNoTwoControlsOverlap)

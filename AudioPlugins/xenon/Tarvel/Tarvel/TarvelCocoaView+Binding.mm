@@ -134,9 +134,9 @@ void EventListenerDispatcher(void* context, void* object, const AudioUnitEvent* 
 - (void)_addListeners
 {
     [self _createListener];
-    for (const AudioUnitParameterID id : kTarvelParameterIds) {
-        mParameter[id] = {mAU, id, kAudioUnitScope_Global, 0};
-        [self _addEventType:_parameterEvent(mParameter[id])];
+    for (const AudioUnitParameterID parameter : kTarvelParameterIds) {
+        mParameter[parameter] = {mAU, parameter, kAudioUnitScope_Global, 0};
+        [self _addEventType:_parameterEvent(mParameter[parameter])];
     }
     for (const ListenedProperty& listened : kListenedProperties) {
         [self _addEventType:_propertyEvent(mAU, listened.property, listened.scope)];
