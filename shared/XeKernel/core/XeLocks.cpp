@@ -21,6 +21,13 @@ struct _SharedState {
 
 _SharedState _readState(boost::shared_mutex& mutex);
 
+/// `State` is Boost's own record, whose name is private.
+template <typename State>
+_SharedState _copyOf(const State& state)
+{
+    return {state.shared_count, state.exclusive, state.upgrade, state.exclusive_waiting_blocked};
+}
+
 // Boost has no accessors for the state of its shared mutex. Its operations make exactly the
 // transitions that XeSharedMutex promises, so a second state beside it could only go wrong. An
 // explicit instantiation may name private members, which is the one legal way to read them.
@@ -29,9 +36,7 @@ struct _StateReader {
     friend _SharedState _readState(boost::shared_mutex& mutex)
     {
         const boost::lock_guard<boost::mutex> guard(mutex.*StateMutex);
-        const auto& state = mutex.*State;
-        return {state.shared_count, state.exclusive, state.upgrade,
-                state.exclusive_waiting_blocked};
+        return _copyOf(mutex.*State);
     }
 };
 

@@ -66,3 +66,13 @@ struct ReadOnly : Attributes {
 struct Create : Attributes {
     explicit Create(const std::filesystem::path& where) : Attributes(where) { create = true; }
 };
+
+struct Window : Attributes {
+    Window(const std::filesystem::path& where, long long from, long long bytes, bool toRead)
+        : Attributes(where)
+    {
+        offset = from;
+        length = bytes;
+        readOnly = toRead;
+    }
+};

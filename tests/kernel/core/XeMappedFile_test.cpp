@@ -36,10 +36,7 @@ TEST_F(MappedFile, WindowsStartAtAnyByte)
         for (const long long length : {0LL, 1LL, kSize - offset}) {
             for (const bool readOnly : {false, true}) {
                 SCOPED_TRACE(testing::Message() << offset << ' ' << length << ' ' << readOnly);
-                Attributes attributes(m_path);
-                attributes.offset = offset;
-                attributes.length = length;
-                attributes.readOnly = readOnly;
+                Window attributes(m_path, offset, length, readOnly);
                 XeMappedFile file;
                 ASSERT_EQ(file.Open(attributes), 0);
                 const auto start = static_cast<std::size_t>(offset);
@@ -81,10 +78,7 @@ TEST_F(MappedFile, EmptyWindowsAndThosePastTheEndAreRefused)
     for (const auto& [offset, length] : kRows) {
         for (const bool readOnly : {false, true}) {
             SCOPED_TRACE(testing::Message() << offset << ' ' << length << ' ' << readOnly);
-            Attributes attributes(m_path);
-            attributes.offset = offset;
-            attributes.length = length;
-            attributes.readOnly = readOnly;
+            Window attributes(m_path, offset, length, readOnly);
             XeMappedFile file;
             EXPECT_EQ(file.Open(attributes), kMapFailed);
             EXPECT_FALSE(file.isOpen());

@@ -95,6 +95,22 @@ TEST(ThreadName, KeepsTheWholeCharactersOfFifteenBytes)
     }).get();
 }
 
+// The entry point may also be called by hand, on any thread, which takes the name.
+TEST(ThreadStart, EntryPointCallsTheFunctionWithItsArguments)
+{
+    int first = 0;
+    int second = 0;
+    XeThread thread([](XeThread*, void* count) { ++*static_cast<int*>(count); }, &first, 0,
+                    "by hand");
+    thread.WaitUntilTerminated();
+    std::async(std::launch::async, [&] {
+        XeThread::begin(&thread, &second);
+        EXPECT_EQ(currentThreadName(), "by hand");
+    }).get();
+    EXPECT_EQ(first, 1);
+    EXPECT_EQ(second, 1);
+}
+
 TEST(ThreadEvents, WaitForAllReturnsAtOnceAndClearsItsBits)
 {
     Worker worker([](XeThread& self) {
