@@ -112,7 +112,6 @@ void XeMappedFile::_map()
         return;
     }
     m_mapping->open(*path, m_parameters->mode, *bytes, m_parameters->alignedOffset);
-    m_alignedOffset = m_parameters->alignedOffset;
     m_delta = m_parameters->delta;
 }
 

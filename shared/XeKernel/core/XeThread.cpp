@@ -115,7 +115,8 @@ bool XeThread::WaitUntilTerminated(unsigned int milliseconds)
     const auto deadline = boost::posix_time::microsec_clock::universal_time() +
                           boost::posix_time::microseconds(milliseconds * 1000LL);
     _checkNotWorker();
-    return m_thread->timed_join(deadline);
+    // Boost would try again and again, up to the deadline, to join a thread that is joined already.
+    return m_thread->joinable() && m_thread->timed_join(deadline);
 }
 
 void XeThread::SignalEvent(unsigned int mask)

@@ -191,6 +191,5 @@ private:
     std::unique_ptr<Parameters> m_parameters; // absent until attributes are set
     std::unique_ptr<boost::iostreams::mapped_file> m_mapping;
     _XeString<wchar_t> m_path;
-    long long m_alignedOffset = 0; // of the open mapping, bytes
-    long long m_delta = 0;         // from there to the requested offset, bytes
+    long long m_delta = 0; // bytes of the open mapping before the requested offset
 };

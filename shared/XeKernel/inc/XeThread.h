@@ -203,7 +203,7 @@ public:
     void WaitUntilTerminated();
 
     /// Waits at most `milliseconds`. True when the worker ended within that time; false when it did
-    /// not, and when its end was seen by an earlier wait. Throws like the other form.
+    /// not, and at once when its end was seen by an earlier wait. Throws like the other form.
     bool WaitUntilTerminated(unsigned int milliseconds);
 
     /// Sets the bits of `mask` and wakes one waiter. Like all four event operations it does nothing
