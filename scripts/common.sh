@@ -2,6 +2,9 @@
 
 name=${0##*/}
 
+# Two checkouts of one source share what the compiler cache keeps.
+export CCACHE_BASEDIR=$PWD CCACHE_NOHASHDIR=1
+
 # Says in one line what is going on.
 say() { echo "$name: $*" >&2; }
 
