@@ -4,6 +4,8 @@
 
 #include "core/XeSafeCRTPlatform.h"
 
+#include "XeSafeCRT.h"
+
 namespace XeCRT {
 
 // glibc has no locale of the plain name "UTF-8"; this one is built in.

@@ -4,6 +4,8 @@
 
 #include "core/XeSafeCRTPlatform.h"
 
+#include "XeSafeCRT.h"
+
 namespace XeCRT {
 
 const char* _characterTypeLocale() noexcept { return "UTF-8"; }

@@ -72,11 +72,16 @@ std::size_t _removalPoint(View name)
     return earlier == View::npos ? last : earlier;
 }
 
-_XeString<wchar_t> _build(View folder, View name, bool& cut)
+struct Built {
+    _XeString<wchar_t> url;
+    bool cut;
+};
+
+Built _build(View folder, View name)
 {
     const bool needsSeparator = !folder.empty() && folder.back() != kSeparator;
     _XeString<wchar_t> bounded(name);
-    cut = boundFilenameLen(bounded, folder.size() + (needsSeparator ? 1 : 0)) != 0;
+    const bool cut = boundFilenameLen(bounded, folder.size() + (needsSeparator ? 1 : 0)) != 0;
 
     _XeString<wchar_t> url;
     url.reserve(folder.size() + 1 + bounded.size());
@@ -85,7 +90,7 @@ _XeString<wchar_t> _build(View folder, View name, bool& cut)
         url += kSeparator;
     }
     url += bounded;
-    return url;
+    return {std::move(url), cut};
 }
 
 /// Both ends of a text around an ellipsis, `length` characters in all. The front gets the odd one.
@@ -120,9 +125,9 @@ XeResult splitFileURL(wchar_t const* url, _XeString<wchar_t>& folder, _XeString<
 
 int buildFileURL(_XeString<wchar_t>& out, wchar_t const* folder, wchar_t const* name)
 {
-    bool cut = false;
-    out = _build(_view(folder), _view(name), cut);
-    return cut ? 1 : 0;
+    Built built = _build(_view(folder), _view(name));
+    out = std::move(built.url);
+    return built.cut ? 1 : 0;
 }
 
 XeResult appendToUrl(_XeString<wchar_t>& url, wchar_t const* text, bool beforeExtension)
@@ -132,8 +137,7 @@ XeResult appendToUrl(_XeString<wchar_t>& url, wchar_t const* text, bool beforeEx
     _XeString<wchar_t> newName(base);
     newName += beforeExtension ? _view(text) : extension;
     newName += beforeExtension ? extension : _view(text);
-    bool cut = false;
-    url = _build(folder, newName, cut);
+    url = _build(folder, newName).url;
     return kXeOk;
 }
 
@@ -203,8 +207,7 @@ XeResult getShorterUrl(_XeString<wchar_t> const& url, _XeString<wchar_t>& out,
     if (folder.empty()) {
         out = _withoutMiddle(url, maxLength);
     } else if (name.size() + kEllipsis.size() + 2 < maxLength) {
-        bool cut = false;
-        out = _build(_withoutMiddle(folder, maxLength - 1 - name.size()), name, cut);
+        out = _build(_withoutMiddle(folder, maxLength - 1 - name.size()), name).url;
     }
     return kXeOk;
 }

@@ -100,10 +100,11 @@ void removeCharacters(_XeString<wchar_t>& name, unsigned long count);
 /// Shortens a URL for display by putting "..." in the middle of it.
 ///
 /// With a folder, the middle of the folder goes and the file name is kept; the result has
-/// `maxLength` - 1 characters. A name too long for that (its length + 5 >= `maxLength`) leaves
-/// `out` as it was. Without a folder the middle of the name goes, and the result has `maxLength`.
-/// The part kept in front is as long as the part kept at the end, or one longer. A result beyond
-/// the limits of buildFileURL is cut as that does.
+/// `maxLength` - 1 characters, one more when the folder ends in '\\' and joining adds a '/'. A name
+/// too long for that (its length + 5 >= `maxLength`) leaves `out` as it was. Without a folder the
+/// middle of the name goes, and the result has `maxLength`. The part kept in front is as long as
+/// the part kept at the end, or one longer. A result beyond the limits of buildFileURL is cut as
+/// that does.
 ///
 /// @param maxLength  A URL shorter than this is copied unchanged.
 /// @return           0; kXeGeneralFailure when `maxLength` is below 5.

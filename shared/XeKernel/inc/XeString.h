@@ -43,8 +43,8 @@ public:
     /// Replaces the contents with the printf-style expansion of `fmt`.
     ///
     /// Wide formats take wide text with "%ls" and UTF-8 text with "%s". The arguments and `fmt`
-    /// may point into this very string. Wide formatting first sets the process's character-type
-    /// category (see XeCRT::setCharacterType), as narrow formatting does.
+    /// may point into this very string. Sets the process's character-type category on every
+    /// call (see XeCRT::setCharacterType): the host may have changed it in between.
     ///
     /// @param fmt  Not null.
     /// @return     Characters written; 0 and an empty string when the expansion is empty, when the

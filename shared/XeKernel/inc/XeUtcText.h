@@ -6,9 +6,10 @@
 /// Dates and times as text in the two forms of ISO 8601, 2024-03-05T14:07:09 and 20240305T140709.
 ///
 /// The readers fill only the fields that they name, and with what the text says: a day 31 of
-/// February stays one. A field is a decimal integer of the digits 0 to 9 with an optional sign.
-/// All throw boost::bad_lexical_cast, before anything is written, for a field that is not one or
-/// whose value does not fit; nothing else is an error. [any]
+/// February stays one. A field is a number of the digits 0 to 9; a "+" may stand before one in a
+/// date, while "-", and in a time "+" too, always ends the field before it. All readers throw
+/// boost::bad_lexical_cast, before anything is written, for a field that is no number or is above
+/// 2147483647; nothing else is an error. [any]
 namespace xenon::util {
 
 /// Reads a date into `tm_year`, `tm_mon` and `tm_mday`.

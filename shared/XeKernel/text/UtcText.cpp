@@ -21,7 +21,8 @@ namespace {
 
 using View = std::wstring_view;
 
-constexpr std::int64_t kFirstYear = 1900;
+constexpr int kFirstYear = 1900;
+constexpr std::int64_t kTooBig = std::int64_t{std::numeric_limits<int>::max()} + 1;
 
 /// Year, month, day or hour, minute, second.
 using Fields = std::array<int, 3>;
@@ -32,19 +33,11 @@ using Widths = std::array<std::size_t, 3>;
     boost::throw_exception(boost::bad_lexical_cast(typeid(std::wstring), typeid(int)));
 }
 
-int _narrowed(std::int64_t value)
-{
-    if (value < std::numeric_limits<int>::min() || value > std::numeric_limits<int>::max()) {
-        _failRead();
-    }
-    return static_cast<int>(value);
-}
-
-/// Reads a whole field. Plain digits only: the global locale's grouping plays no part.
+/// Reads a whole field. Plain digits only: the global locale's grouping plays no part. A minus sign
+/// never gets here, it separates.
 int _readField(View field)
 {
-    const bool negative = field.starts_with(L'-');
-    if (negative || field.starts_with(L'+')) {
+    if (field.starts_with(L'+')) {
         field.remove_prefix(1);
     }
     if (field.empty()) {
@@ -56,9 +49,11 @@ int _readField(View field)
             _failRead();
         }
         value = value * 10 + (c - L'0');
-        _narrowed(value - 1); // the lowest int is one further from 0 than the highest
+        if (value >= kTooBig) {
+            _failRead();
+        }
     }
-    return _narrowed(negative ? -value : value);
+    return static_cast<int>(value);
 }
 
 /// The basic form: fields of fixed width as far as the text goes.
@@ -107,7 +102,7 @@ void date_from_utc_string(const std::wstring& text, tm& out)
         return;
     }
     const auto [year, month, day] = *fields;
-    out.tm_year = _narrowed(year - kFirstYear);
+    out.tm_year = year - kFirstYear;
     out.tm_mon = month > 0 ? month - 1 : 0;
     out.tm_mday = day;
 }

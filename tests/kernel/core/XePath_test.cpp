@@ -1,5 +1,6 @@
 #include "XePath.h"
 
+#include "ShownText.h"
 #include "XeStringUtil.h"
 
 #include <boost/filesystem/path.hpp>
@@ -33,20 +34,6 @@ using xenon::normalize::normalize;
 using Text = _XeString<wchar_t>;
 
 int sign(int value) { return value < 0 ? -1 : value > 0 ? 1 : 0; }
-
-/// For traces: printable ASCII as it is, anything else as a number.
-std::string shown(const std::wstring& text)
-{
-    std::ostringstream out;
-    for (const wchar_t c : text) {
-        if (c >= 0x20 && c < 0x7F) {
-            out << static_cast<char>(c);
-        } else {
-            out << "\\x" << std::hex << static_cast<unsigned>(c) << ' ';
-        }
-    }
-    return out.str();
-}
 
 std::wstring widenedUtf16(const std::u32string& text)
 {
@@ -483,7 +470,7 @@ TEST(Normalize, AgreesWithTheWholeUnicodeTestFile)
 
 bool isSurrogate(char32_t c) { return c >= 0xD800 && c <= 0xDFFF; }
 
-// Part 1 of the test file lists every character that a form changes.
+// The first part of the test file lists every character that a form changes.
 TEST(Normalize, KeepsEveryCharacterThatTheTestFileDoesNotList)
 {
     std::set<char32_t> listed;

@@ -2,9 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <cstring>
 #include <iterator>
 #include <type_traits>
+#include <vector>
 
 namespace {
 
@@ -12,17 +14,19 @@ using State = std::mbstate_t;
 
 std::wstring toWide(const std::string& utf8, int capacity = 100)
 {
-    std::vector<wchar_t> buffer(static_cast<std::size_t>(capacity) + 1, L'#');
+    std::vector<wchar_t> buffer(static_cast<std::size_t>(capacity) + 2, L'#');
     EXPECT_EQ(StdConvert(buffer.data(), capacity, utf8.data(), static_cast<int>(utf8.size())),
               buffer.data());
+    EXPECT_EQ(buffer.back(), L'#');
     return buffer.data();
 }
 
 std::string toNarrow(const std::wstring& wide, int capacity = 100)
 {
-    std::vector<char> buffer(static_cast<std::size_t>(capacity) + 1, '#');
+    std::vector<char> buffer(static_cast<std::size_t>(capacity) + 2, '#');
     EXPECT_EQ(StdConvert(buffer.data(), capacity, wide.data(), static_cast<int>(wide.size())),
               buffer.data());
+    EXPECT_EQ(buffer.back(), '#');
     return buffer.data();
 }
 
@@ -238,6 +242,40 @@ TEST(StdConvert, SecondAttemptHasTheSameLimit)
               L"b");
 }
 
+TEST(StdConvert, SecondAttemptStartsBeforeTheAsciiThatWasGood)
+{
+    const GlobalLocale global(latin1());
+    EXPECT_EQ(toWide("0123!5678901234567890123456789\xFF"), L"0123");
+}
+
+// Blocks of ASCII are copied without the facet: the first other character may stand anywhere.
+TEST(StdConvert, MixesAsciiAndOtherCharactersAtEveryPosition)
+{
+    for (std::size_t position = 0; position <= 50; ++position) {
+        SCOPED_TRACE(position);
+        const std::string before(position, 'a');
+        const std::wstring wideBefore(position, L'a');
+        for (const std::size_t after : {0, 1, 15, 16, 17}) {
+            const std::string narrow = before + "\xC2\x80" + std::string(after, 'b');
+            const std::wstring wide = wideBefore + L"\u0080" + std::wstring(after, L'b');
+            EXPECT_EQ(toWide(narrow), wide);
+            EXPECT_EQ(toNarrow(wide), narrow);
+        }
+    }
+}
+
+TEST(StdConvert, LimitsAsciiAtEveryLength)
+{
+    const std::string narrow(50, 'a');
+    const std::wstring wide(50, L'a');
+    for (int capacity = 0; capacity <= 50; ++capacity) {
+        SCOPED_TRACE(capacity);
+        const auto length = static_cast<std::size_t>(capacity);
+        EXPECT_EQ(toWide(narrow, capacity), wide.substr(0, length));
+        EXPECT_EQ(toNarrow(wide, capacity), narrow.substr(0, length));
+    }
+}
+
 // The global locale's own conversion stops at the first byte that it cannot read.
 TEST(StdConvert, ClassicGlobalLocaleKeepsTheTextBeforeTheBadByte)
 {
@@ -345,6 +383,9 @@ TEST(AssignConverted, NarrowResultHasRoomForFourBytesACharacterAndFourMore)
     EXPECT_EQ(s, sixBytes + sixBytes);
     xeassign(s, L"\x7FFFFFFF\x7FFFFFFF\x7FFFFFFF");
     EXPECT_EQ(s, sixBytes + sixBytes);
+    // 25 bytes, one more than there is room for
+    xeassign(s, L"\x3FFFFFF\x3FFFFFF\x3FFFFFF\x3FFFFFF\x3FFFFFF");
+    EXPECT_EQ(s.size(), 20u);
     xeassign(s, std::wstring(50, L'\U0010FFFF').c_str());
     EXPECT_EQ(s.size(), 200u);
 }

@@ -1,5 +1,7 @@
 #include "XeFileSystem.h"
 
+#include "ShownText.h"
+
 #include <gtest/gtest.h>
 
 #include <random>
@@ -13,13 +15,6 @@ using Text = _XeString<wchar_t>;
 
 constexpr std::size_t kLongest = 1100;
 constexpr unsigned long kLeastLimit = 5;
-
-std::string shown(const std::wstring& text)
-{
-    std::string narrow;
-    xeassign(narrow, text.c_str());
-    return narrow;
-}
 
 /// Text of different characters, so that every cut shows where it was made.
 Text numbered(std::size_t length)
@@ -476,25 +471,29 @@ bool isCounterMark(wchar_t c) { return c == L'(' || c == L'<'; }
 
 Text slowRemove(const Text& name, std::size_t count)
 {
-    std::vector<std::size_t> marks;
-    std::size_t firstDot = name.size();
-    for (std::size_t i = name.size(); i-- > 0;) {
-        if (isCounterMark(name[i])) {
-            marks.push_back(i);
+    const wchar_t* const begin = name.data();
+    const wchar_t* const end = begin + name.size();
+    std::vector<const wchar_t*> marks; // from the last one
+    const wchar_t* firstDot = end;
+    for (const wchar_t* p = end; p-- > begin;) {
+        if (isCounterMark(*p)) {
+            marks.push_back(p);
         }
-        if (name[i] == L'.') {
-            firstDot = i;
+        if (*p == L'.') {
+            firstDot = p;
         }
     }
-    const std::size_t point = marks.size() > 1 ? marks[1] : marks.size() == 1 ? marks[0] : firstDot;
-    if (point < count) {
+    const wchar_t* const point = marks.size() > 1    ? marks[1]
+                                 : marks.size() == 1 ? marks[0]
+                                                     : firstDot;
+    if (static_cast<std::size_t>(point - begin) < count) {
         return name;
     }
-    Text rest;
-    rest.reserve(name.size());
-    for (std::size_t i = 0; i < name.size(); ++i) {
-        if (i < point - count || i >= point) {
-            rest += name[i];
+    Text rest(name.size() - count, L' ');
+    wchar_t* next = rest.data();
+    for (const wchar_t* p = begin; p < end; ++p) {
+        if (p < point - count || p >= point) {
+            *next++ = *p;
         }
     }
     return rest;
@@ -530,14 +529,15 @@ SlowResult slowBuild(const Text& folder, const Text& name)
 
 Text slowReplace(const Text& text, std::size_t begin, std::size_t end)
 {
-    Text replaced;
-    replaced.reserve(text.size());
-    for (std::size_t i = 0; i < text.size(); ++i) {
+    Text replaced(text.size() - (end - begin) + 3, L'.');
+    wchar_t* next = replaced.data();
+    const wchar_t* source = text.data();
+    for (std::size_t i = 0; i < text.size(); ++i, ++source) {
         if (i == begin) {
-            replaced += L"...";
+            next += 3;
         }
         if (i < begin || i >= end) {
-            replaced += text[i];
+            *next++ = *source;
         }
     }
     return replaced;

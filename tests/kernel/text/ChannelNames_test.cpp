@@ -1,5 +1,7 @@
 #include "XeChannelNames.h"
 
+#include "ShownText.h"
+
 #include <gmock/gmock.h>
 
 #include <string>
@@ -10,13 +12,6 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 using Text = _XeString<wchar_t>;
-
-std::string shown(const std::wstring& text)
-{
-    std::string narrow;
-    xeassign(narrow, text.c_str());
-    return narrow;
-}
 
 std::vector<Text> channelNames(const Text& name, unsigned count)
 {

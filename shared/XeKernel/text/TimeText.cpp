@@ -1,0 +1,198 @@
+#include "XePosFmt.h"
+
+#include "XeSafeCRT.h"
+#include "XeUtil.h"
+#include "text/NumericStyle.h"
+
+#include <boost/container/small_vector.hpp>
+#include <boost/lexical_cast/bad_lexical_cast.hpp>
+
+#include <algorithm>
+#include <cctype>
+#include <cmath>
+#include <string_view>
+
+namespace {
+
+using _Text = boost::container::small_vector<wchar_t, 64>;
+
+constexpr std::size_t kFields = 4; // of a label
+
+std::wstring_view _trimmed(std::wstring_view text, const NumericStyle& style)
+{
+    while (!text.empty() && style.isSpace(text.front())) {
+        text.remove_prefix(1);
+    }
+    while (!text.empty() && style.isSpace(text.back())) {
+        text.remove_suffix(1);
+    }
+    return text;
+}
+
+/// Writes a typed label as digits with ':' between its four fields. False for more fields.
+bool _spellOut(std::wstring_view typed, _Text& label)
+{
+    const auto found = static_cast<std::size_t>(std::ranges::count_if(typed, not_isdigit));
+    const bool pairs = found == 0 && !typed.empty();
+    const std::size_t separators = pairs ? (typed.size() - 1) / 2 : found;
+    if (separators >= kFields) {
+        return false;
+    }
+    for (std::size_t missing = kFields - 1 - separators; missing != 0; --missing) {
+        label.push_back(L'0');
+        label.push_back(L':');
+    }
+    for (std::size_t at = 0; at < typed.size(); ++at) {
+        if (pairs && at != 0 && (typed.size() - at) % 2 == 0) {
+            label.push_back(L':');
+        }
+        label.push_back(not_isdigit(typed[at]) ? L':' : typed[at]);
+    }
+    return true;
+}
+
+/// Reads the four fields; one that is empty is 0.
+void _readFields(const _Text& label, const NumericStyle& style, XESMPTEVAL& out)
+{
+    const wchar_t* at = label.data();
+    const wchar_t* const end = at + label.size();
+    for (std::uint32_t* const field : {&out.hours, &out.minutes, &out.seconds, &out.frames}) {
+        at = readInteger(style, at, end, *field);
+        at += at != end;
+    }
+}
+
+/// Carries frames into seconds and turns the second-field mark into what the rate makes of it.
+void _carryFrames(XESMPTEVAL& label, unsigned fps, bool halfStep, bool marked)
+{
+    const unsigned rate = halfStep ? fps / 2 : fps;
+    if (rate == 0) {
+        return;
+    }
+    label.seconds += label.frames / rate;
+    label.frames %= rate;
+    if (halfStep) {
+        label.frames = label.frames * 2 + (marked ? 1 : 0);
+    } else {
+        label.field = marked;
+    }
+}
+
+void _carrySeconds(XESMPTEVAL& label)
+{
+    label.minutes += label.seconds / 60;
+    label.seconds %= 60;
+    label.hours += label.minutes / 60;
+    label.minutes %= 60;
+    label.hours %= 24;
+}
+
+/// True when the separators of a clock time are in order: at most two ':', then at most one
+/// decimal point.
+bool _isClockShaped(std::wstring_view text, wchar_t decimalPoint)
+{
+    int colons = 0;
+    bool point = false;
+    for (const wchar_t c : text) {
+        if (c == L':' && (point || ++colons > 2)) {
+            return false;
+        }
+        if (c == decimalPoint && std::exchange(point, true)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+/// The whole part of a number in 32 bits. What does not fit wraps; infinity and NaN become 0.
+std::uint32_t _wrappedTo32(double value)
+{
+    constexpr double kRange = 0x1p32;
+
+    const double rest = std::fmod(std::trunc(value), kRange);
+    if (std::isnan(rest)) {
+        return 0;
+    }
+    return static_cast<std::uint32_t>(rest < 0 ? rest + kRange : rest);
+}
+
+} // namespace
+
+bool is_separator(wchar_t c) { return c == L'.' || c == L':' || c == L';'; }
+
+bool not_isdigit(wchar_t c)
+{
+    const auto code = static_cast<std::uint32_t>(c);
+    return code > 255 || std::isdigit(static_cast<int>(code)) == 0;
+}
+
+bool AsciiToSMPTE(const _XeString<wchar_t>& text, XESMPTEVAL* out, unsigned fps, bool halfStep)
+{
+    *out = {};
+    const NumericStyle& style = currentNumericStyle();
+    std::wstring_view typed = _trimmed(text, style);
+    const bool marked = typed.ends_with(L'*');
+    typed.remove_suffix(marked ? 1 : 0);
+    _Text label;
+    if (!_spellOut(typed, label)) {
+        return false;
+    }
+    _readFields(label, style, *out);
+    _carryFrames(*out, fps, halfStep, marked);
+    _carrySeconds(*out);
+    return true;
+}
+
+bool AsciiToTime(const _XeString<wchar_t>& text, XESMPTEVAL* out)
+{
+    constexpr int kRounds = 3; // hours, minutes, seconds
+
+    *out = {};
+    _Text buffer(text.c_str(), text.c_str() + std::char_traits<wchar_t>::length(text.c_str()) + 1);
+    if (!_isClockShaped({buffer.data(), buffer.size() - 1}, currentNumericStyle().decimalPoint())) {
+        return false;
+    }
+    wchar_t* field = buffer.data();
+    for (int round = 0; round < kRounds; ++round) {
+        double value = 0;
+        const wchar_t stop = xenon::util::myatof(field, &value);
+        out->hours = out->minutes;
+        out->minutes = out->seconds;
+        out->seconds = _wrappedTo32(value);
+        out->frames = _wrappedTo32((value - std::trunc(value)) * 1000.0);
+        if (stop != L':') {
+            return stop == 0;
+        }
+        field += std::wstring_view(field).find(L':') + 1;
+    }
+    return false;
+}
+
+bool AsciiToMeasures(const _XeString<wchar_t>& text, _measureval* out)
+{
+    constexpr double kQuarterBeats = 0.25 * 10;
+
+    out->measure = 0;
+    out->beat = 0.0;
+    auto at = xenon::util::atoi(text.begin(), text.end(), out->measure);
+    if (at == text.end()) {
+        return true;
+    }
+    if (*at++ != L':') {
+        return false;
+    }
+    if (at == text.end()) {
+        return true;
+    }
+    try {
+        at = xenon::util::atof(at, text.end(), out->beat);
+    } catch (const boost::bad_lexical_cast&) {
+        return false;
+    }
+    if (at == text.end()) {
+        double whole = 0;
+        const double decimals = std::modf(out->beat, &whole);
+        out->beat = whole + decimals * kQuarterBeats;
+    }
+    return true;
+}
