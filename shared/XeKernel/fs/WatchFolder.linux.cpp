@@ -28,9 +28,8 @@ namespace {
 using namespace std::chrono_literals;
 
 // Without IN_MODIFY and IN_CLOSE_WRITE: the contents of entries are not the folder's.
-constexpr std::uint32_t kLoss = IN_DELETE_SELF | IN_MOVE_SELF;
 constexpr std::uint32_t kChanges =
-    IN_CREATE | IN_DELETE | IN_MOVED_FROM | IN_MOVED_TO | IN_ATTRIB | kLoss;
+    IN_CREATE | IN_DELETE | IN_MOVED_FROM | IN_MOVED_TO | IN_ATTRIB | IN_MOVE_SELF | IN_DELETE_SELF;
 
 // The steps of one operation (a rename, a save through a temporary file) end in one notification,
 // and a burst of changes in few, when what comes this soon after the first is taken together.
@@ -241,9 +240,11 @@ void Hub::_dispatch(const std::map<int, std::uint32_t>& changes)
 
 bool Hub::_concerns(Watch& watch, std::uint32_t changes)
 {
-    const std::uint32_t loss = changes & (kLoss | IN_UNMOUNT);
-    watch.lossTold = watch.lossTold || loss != 0;
-    return (changes & kChanges & ~kLoss) != 0 || (loss != 0 && !watch.lossNoticed);
+    const std::uint32_t told = changes & (kChanges | IN_UNMOUNT);
+    const bool gone = (told & (IN_DELETE_SELF | IN_UNMOUNT)) != 0;
+    const bool moved = (told & IN_MOVE_SELF) != 0; // and watched on where it is now
+    watch.lossTold = watch.lossTold || gone || moved;
+    return told != 0 && !(watch.lossNoticed && (gone || told == IN_MOVE_SELF));
 }
 
 bool Hub::noticesLoss(int queue)
