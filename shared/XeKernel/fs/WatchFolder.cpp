@@ -85,6 +85,7 @@ void WatchFolder::worker()
             break;
         }
         if (event == FolderEvent::Change) {
+            m_toldChange = true;
             const Changes::value_type folder(_XeString<wchar_t>(), kFolderChanged);
             NotifyObservers(self, std::make_shared<Changes>(1, folder));
         }

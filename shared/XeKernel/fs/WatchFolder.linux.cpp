@@ -37,7 +37,7 @@ constexpr auto kSettle = 2ms;
 
 // A queue of 16384 events without names (the default limit) fits in eight.
 constexpr int kMostReadsAtOnce = 16;
-constexpr std::size_t kReadBytes = 64 * 1024;
+constexpr std::size_t kReadBytes = 0x10000;
 
 /// What tells one folder from another at the same path.
 struct Identity {
@@ -83,7 +83,9 @@ public:
     /// event has told so: the event is held back while any process keeps the folder open.
     bool noticesLoss(int queue);
 
-    Identity identityOf(int queue);
+    /// True when the path leads to the very folder of the watch. Exact where `noticesLoss` is not:
+    /// a new folder may get the number of the one that was deleted.
+    bool leadsToFolder(const std::string& path, int queue);
 
 private:
     struct Watch {
@@ -96,6 +98,7 @@ private:
 
     bool _start();
     void _stop();
+    bool _isUsed(int folder) const;
     void _run();
     void _drain();
     void _dispatch(const std::map<int, std::uint32_t>& changes);
@@ -170,6 +173,12 @@ void Hub::add(const std::string& path, std::atomic<int>& queue, std::atomic<int>
     }
 }
 
+bool Hub::_isUsed(int folder) const
+{
+    return std::any_of(m_watches.begin(), m_watches.end(),
+                       [=](const auto& entry) { return entry.second.folder == folder; });
+}
+
 void Hub::remove(int queue)
 {
     const std::lock_guard life(m_life);
@@ -177,10 +186,7 @@ void Hub::remove(int queue)
     const auto removed = m_watches.find(queue);
     const int folder = removed->second.folder;
     m_watches.erase(removed);
-    const bool shared = std::any_of(m_watches.begin(), m_watches.end(), [=](const auto& entry) {
-        return entry.second.folder == folder;
-    });
-    if (!shared) {
+    if (!_isUsed(folder)) {
         inotify_rm_watch(m_inotify, folder); // fails when the folder is gone
     }
     close(queue);
@@ -261,10 +267,20 @@ bool Hub::noticesLoss(int queue)
     return entry.lossNoticed;
 }
 
-Identity Hub::identityOf(int queue)
+// Registering a folder again gives the number that it has already.
+bool Hub::leadsToFolder(const std::string& path, int queue)
 {
+    const std::lock_guard life(m_life);
     const std::lock_guard table(m_table);
-    return m_watches.at(queue).identity;
+    const int folder = m_watches.at(queue).folder;
+    const int found = inotify_add_watch(m_inotify, path.c_str(), kChanges | IN_ONLYDIR);
+    if (found < 0) {
+        return errno != ENOENT && errno != ENOTDIR;
+    }
+    if (!_isUsed(found)) {
+        inotify_rm_watch(m_inotify, found);
+    }
+    return found == folder;
 }
 
 } // namespace
@@ -311,5 +327,5 @@ void _closeFolderQueue(std::atomic<int>& queue, std::atomic<int>& folder)
 
 bool _pathLeadsToQueue(const std::string& path, int queue, int)
 {
-    return !_leadsAway(path, Hub::instance().identityOf(queue));
+    return Hub::instance().leadsToFolder(path, queue);
 }

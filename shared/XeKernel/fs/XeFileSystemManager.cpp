@@ -33,14 +33,22 @@ Path _parentOf(const Path& path)
 }
 
 /// All watches here are made here.
-const WatchFolder& _asFolder(const std::shared_ptr<IWatchFolder>& watch)
+WatchFolder& _asFolder(const std::shared_ptr<IWatchFolder>& watch)
 {
-    return static_cast<const WatchFolder&>(*watch);
+    return static_cast<WatchFolder&>(*watch);
 }
 
+/// Exact, at the price of a look at the file system.
 bool _isOver(const std::shared_ptr<IWatchFolder>& watch)
 {
     return watch->notWatching() || !_asFolder(watch).followsPath();
+}
+
+/// Looks at the file system only where something happened.
+bool _isKnownToBeOver(const std::shared_ptr<IWatchFolder>& watch)
+{
+    return watch->notWatching() ||
+           (_asFolder(watch).toldChange() && !_asFolder(watch).followsPath());
 }
 
 } // namespace
@@ -185,7 +193,7 @@ void XeFileSystemManager::updateWatch()
         if (m_terminate) {
             return;
         }
-        over = _takeOut(_isOver);
+        over = _takeOut(_isKnownToBeOver);
         m_created.remove_if([](const WatchPointer& watch) { return _asFolder(watch).hasEnded(); });
     }
     _stop(over, false);
@@ -207,9 +215,13 @@ auto XeFileSystemManager::_takeOut(Predicate predicate) -> Watches
     return taken;
 }
 
-// Without the section: an observer that runs may be waiting for it.
+// Without the section: an observer that runs may be waiting for it. All are told to stop before the
+// first is waited for, so that they end side by side.
 void XeFileSystemManager::_stop(const Watches& watches, bool wait)
 {
+    for (const WatchPointer& watch : watches) {
+        watch->stopWatch(false);
+    }
     for (const WatchPointer& watch : watches) {
         watch->stopWatch(wait && !WatchFolder::onWorker());
     }

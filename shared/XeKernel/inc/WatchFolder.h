@@ -39,6 +39,9 @@ public:
     /// True while the path still leads to the folder that is watched. Blocks on the file system.
     bool followsPath() const;
 
+    /// True when a change was told since the last call. No folder is lost without one.
+    bool toldChange() { return m_toldChange.exchange(false); }
+
     /// True after the observers were told of the end.
     bool hasEnded() const { return m_ended; }
 
@@ -65,5 +68,6 @@ private:
                                                         // and the queue against closing
     bool m_started = false;
     std::atomic<bool> m_ended = false;
+    std::atomic<bool> m_toldChange = false;
     std::mutex m_joining;
 };

@@ -64,8 +64,9 @@ public:
     /// @return  0, also when there is none.
     virtual XeResult stopWatchingMountPoint(const _XeString<wchar_t>& mountPoint);
 
-    /// Drops watches that nobody listens to, that were stopped, or whose path leads elsewhere now.
-    /// Their workers end soon after. Does nothing after the terminate flag was set.
+    /// Drops watches that nobody listens to, that were stopped, or that have told of a change and
+    /// whose path leads elsewhere now. Their workers end soon after. Does nothing after the
+    /// terminate flag was set.
     virtual void updateWatch();
 
     /// Enters a context for a mount point, in place of the one that is there.

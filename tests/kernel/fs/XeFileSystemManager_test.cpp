@@ -150,6 +150,7 @@ TEST_F(Manager, UpdatingDropsWatchesWhoseFolderIsGone)
     m_manager->updateWatch();
     EXPECT_TRUE(m_manager->isWatchingFolder(m_handleA));
     fs::remove(m_folder);
+    EXPECT_TRUE(m_a.waitForChanges(1));
     m_manager->updateWatch();
     EXPECT_TRUE(m_a.waitForEnd());
     EXPECT_FALSE(m_manager->isWatchingFolder(m_handleA));
@@ -223,6 +224,22 @@ TEST_F(Manager, AHandleOutlivesTheManager)
     EXPECT_EQ(add(wide(m_folder), m_a, m_handleA), 0);
     m_manager = std::make_shared<XeFileSystemManager>();
     EXPECT_FALSE(m_manager->isWatchingFolder(m_handleA));
+}
+
+// An observer that comes right after must not hang on to the watch of the old folder.
+TEST_F(Manager, AFolderReplacedAMomentAgoIsWatchedAnew)
+{
+    for (int i = 0; i < 20; ++i) {
+        EXPECT_EQ(add(wide(m_folder), m_a, m_handleA), 0);
+        fs::remove_all(m_folder);
+        makeFolder("watched");
+        const int changes = m_b.changes();
+        EXPECT_EQ(add(wide(m_folder), m_b, m_handleB), 0);
+        createFile(m_folder / "a");
+        EXPECT_TRUE(m_b.waitForChanges(changes + 1));
+        EXPECT_EQ(m_manager->removeWatchFolder(m_handleA), 0);
+        EXPECT_EQ(m_manager->removeWatchFolder(m_handleB), 0);
+    }
 }
 
 // Mount points --------------------------------------------------------------------------------
@@ -324,7 +341,8 @@ TEST_F(Manager, AfterTheTerminateFlagRunningWatchesGoOnAndNoNewOnesStart)
     EXPECT_EQ(m_handleB, nullptr);
     createFile(m_folder / "a");
     EXPECT_TRUE(m_a.waitForChanges(1));
-    fs::remove_all(m_folder);
+    fs::rename(m_folder, m_temporary / "elsewhere");
+    EXPECT_TRUE(m_a.waitForChanges(2));
     m_manager->updateWatch();
     EXPECT_TRUE(m_manager->isWatchingFolder(m_handleA)) << "updating does nothing any more";
     EXPECT_EQ(m_manager->removeWatchFolder(m_handleA), 0);
