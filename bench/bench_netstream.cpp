@@ -4,6 +4,7 @@
 // the peer's in the same run.
 
 #include "ComparedRows.h"
+#include "StreamsOnlyFileSystem.h"
 #include "XeNetStream.h"
 
 #include <fcntl.h>
@@ -26,10 +27,8 @@ constexpr std::size_t kFileBytes = 256u << 20;
 constexpr std::size_t kPieceBytes = 64u << 10; // what the reader of a stream asks for at a time
 
 /// One file of the temporary folder, as a remote.
-class FileRemote : public xenon::network::IFileSystem {
+class FileRemote : public StreamsOnlyFileSystem {
 public:
-    using Path = _XeString<wchar_t>;
-
     explicit FileRemote(std::string file) : m_file(std::move(file)) {}
 
     XeResult getFileSize(const Path&, std::int64_t& size) override
@@ -62,13 +61,6 @@ public:
     {
         return close(static_cast<int>(handle)) == 0 ? kXeOk : kXeGeneralFailure;
     }
-    XeResult createFolder(const Path&) override { return kXeGeneralFailure; }
-    XeResult strictFileName(const Path&, Path&) override { return kXeGeneralFailure; }
-    XeResult list(const Path&, std::vector<Entry>&) override { return kXeGeneralFailure; }
-    XeResult deleteFile(const Path&) override { return kXeGeneralFailure; }
-    XeResult deleteFolder(const Path&) override { return kXeGeneralFailure; }
-    XeResult rename(const Path&, const Path&) override { return kXeGeneralFailure; }
-    XeResult isFolderEmpty(const Path&, bool&) override { return kXeGeneralFailure; }
 
 private:
     static XeResult opened(int descriptor, Handle& handle)

@@ -1,6 +1,5 @@
 #include "WatchFolder.h"
 
-#include "TemporaryFolder.h"
 #include "WatchRecorder.h"
 
 #include <gtest/gtest.h>
@@ -25,17 +24,7 @@ constexpr auto kAlreadyStarted = static_cast<XeResult>(0x8004E002);
 constexpr auto kNotInitialised = static_cast<XeResult>(0x8004E009);
 constexpr auto kNotWatchable = static_cast<XeResult>(0x8004E011);
 
-class FolderWatch : public testing::Test {
-protected:
-    fs::path makeFolder(const std::string& name)
-    {
-        fs::create_directories(m_temporary / name);
-        return m_temporary / name;
-    }
-
-    const TemporaryFolder m_temporary;
-    const fs::path m_folder = makeFolder("watched");
-};
+class FolderWatch : public WatchTest {};
 
 TEST_F(FolderWatch, AFileWrittenIntoTheFolderIsOneNotificationWithOneEmptyEntry)
 {
@@ -65,12 +54,14 @@ TEST_F(FolderWatch, ChangesBetweenPreparingAndStartingAreTold)
     watch->stopWatch(true);
 }
 
-// What is done to a folder, and the notifications that a watch of it gives.
+// What is done to a folder, and the notifications that a watch of it gives. Where that takes
+// several calls of the system, a busy machine may let each be told by itself.
 struct Row {
     const char* what;
     void (*prepare)(const fs::path& folder);
     void (*act)(const fs::path& folder);
     int notifications;
+    int mostWhenBusy = notifications;
 };
 
 void nothing(const fs::path&) {}
@@ -102,7 +93,7 @@ const Row kRows[] = {
      [](const fs::path& f) { fs::rename(beside(f), f / "child"); }, 1},
     {"move out", child, [](const fs::path& f) { fs::rename(f / "child", beside(f)); }, 1},
     {"save through a temporary file", child,
-     [](const fs::path& f) { createFile(f / "tmp"); fs::rename(f / "tmp", f / "child"); }, 1},
+     [](const fs::path& f) { createFile(f / "tmp"); fs::rename(f / "tmp", f / "child"); }, 1, 2},
     {"chmod the folder", nothing, [](const fs::path& f) { chmod(f.c_str(), 0700); }, 1},
     {"touch the folder", nothing,
      [](const fs::path& f) { touch(f); }, 1},
@@ -110,7 +101,7 @@ const Row kRows[] = {
     {"rename an ancestor", nothing,
      [](const fs::path& f) { fs::rename(f.parent_path(), f.parent_path() += "-moved"); }, 0},
     {"remove the folder", nothing, [](const fs::path& f) { fs::remove(f); }, 1},
-    {"remove the folder with its contents", child, [](const fs::path& f) { fs::remove_all(f); }, 1},
+    {"remove the folder with its contents", child, [](const fs::path& f) { fs::remove_all(f); }, 1, 2},
     {"rename another folder over it", [](const fs::path& f) { fs::create_directory(beside(f)); },
      [](const fs::path& f) { fs::rename(beside(f), f); }, 1},
 };
@@ -128,7 +119,8 @@ TEST_F(FolderWatch, EachIsolatedChangeIsOneNotificationOrNone)
         row.act(folder);
         EXPECT_TRUE(running.recorder.waitForChanges(row.notifications));
         EXPECT_TRUE(fence.pass());
-        EXPECT_EQ(running.recorder.changes(), row.notifications);
+        EXPECT_GE(running.recorder.changes(), row.notifications);
+        EXPECT_LE(running.recorder.changes(), row.mostWhenBusy);
         EXPECT_EQ(running.recorder.ends(), 0);
     }
 }

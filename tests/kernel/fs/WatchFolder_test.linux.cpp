@@ -1,6 +1,5 @@
 #include "WatchFolder.h"
 
-#include "TemporaryFolder.h"
 #include "WatchRecorder.h"
 
 #include <gtest/gtest.h>
@@ -83,17 +82,7 @@ private:
     struct sigaction m_before {};
 };
 
-class LinuxWatch : public testing::Test {
-protected:
-    fs::path makeFolder(const std::string& name)
-    {
-        fs::create_directories(m_temporary / name);
-        return m_temporary / name;
-    }
-
-    const TemporaryFolder m_temporary;
-    const fs::path m_folder = makeFolder("watched");
-};
+class LinuxWatch : public WatchTest {};
 
 TEST_F(LinuxWatch, OneReaderServesAllWatchesAndEndsWithTheLast)
 {

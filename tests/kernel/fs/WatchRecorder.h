@@ -1,8 +1,11 @@
 #pragma once
 
 #include "IWatchFolder.h"
+#include "TemporaryFolder.h"
 #include "WatchFolder.h"
 #include "core/XeNativePath.h"
+
+#include <gtest/gtest.h>
 
 #include <chrono>
 #include <condition_variable>
@@ -10,6 +13,7 @@
 #include <fstream>
 #include <memory>
 #include <mutex>
+#include <string>
 #include <thread>
 
 /// An observer that counts what it is told.
@@ -139,4 +143,17 @@ private:
     std::filesystem::path m_folder;
     RunningWatch m_running;
     int m_count = 0;
+};
+
+/// A test with a folder to watch, and room for others beside it.
+class WatchTest : public testing::Test {
+protected:
+    std::filesystem::path makeFolder(const std::string& name)
+    {
+        std::filesystem::create_directories(m_temporary / name);
+        return m_temporary / name;
+    }
+
+    const TemporaryFolder m_temporary;
+    const std::filesystem::path m_folder = makeFolder("watched");
 };

@@ -1,7 +1,6 @@
 #include "XeFileSystemManager.h"
 
 #include "IFileSystem.h"
-#include "TemporaryFolder.h"
 #include "WatchRecorder.h"
 
 #include <gmock/gmock.h>
@@ -19,21 +18,13 @@ using Text = _XeString<wchar_t>;
 constexpr auto kFailure = static_cast<XeResult>(0x80000008);
 constexpr auto kNotWatchable = static_cast<XeResult>(0x8004E011);
 
-class Manager : public testing::Test {
+class Manager : public WatchTest {
 protected:
-    fs::path makeFolder(const std::string& name)
-    {
-        fs::create_directories(m_temporary / name);
-        return m_temporary / name;
-    }
-
     XeResult add(const Text& path, WatchRecorder& recorder, std::shared_ptr<void>& handle)
     {
         return m_manager->addWatchFolder(path, recorder.observer(), handle);
     }
 
-    const TemporaryFolder m_temporary;
-    const fs::path m_folder = makeFolder("watched");
     WatchRecorder m_a, m_b; // outlive the manager, which tells them of the end
     std::shared_ptr<void> m_handleA, m_handleB;
     std::shared_ptr<XeFileSystemManager> m_manager = std::make_shared<XeFileSystemManager>();

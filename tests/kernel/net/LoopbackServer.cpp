@@ -1,5 +1,7 @@
 #include "LoopbackServer.h"
 
+#include "StreamsOnlyFileSystem.h"
+
 #include <gtest/gtest.h>
 
 #include <arpa/inet.h>
@@ -202,10 +204,8 @@ private:
 }
 
 /// The client's end of a connection.
-class RemoteFileSystem : public xenon::network::IFileSystem {
+class RemoteFileSystem : public StreamsOnlyFileSystem {
 public:
-    using Path = _XeString<wchar_t>;
-
     RemoteFileSystem(std::uint16_t port, int limitMs) : m_socket(socket(AF_INET, SOCK_STREAM, 0))
     {
         const timeval limit{limitMs / 1000, limitMs % 1000 * 1000};
@@ -255,14 +255,6 @@ public:
     {
         return call(Operation::CloseWrite, {}, handle, 0, nullptr);
     }
-
-    XeResult createFolder(const Path&) override { return kXeGeneralFailure; }
-    XeResult strictFileName(const Path&, Path&) override { return kXeGeneralFailure; }
-    XeResult list(const Path&, std::vector<Entry>&) override { return kXeGeneralFailure; }
-    XeResult deleteFile(const Path&) override { return kXeGeneralFailure; }
-    XeResult deleteFolder(const Path&) override { return kXeGeneralFailure; }
-    XeResult rename(const Path&, const Path&) override { return kXeGeneralFailure; }
-    XeResult isFolderEmpty(const Path&, bool&) override { return kXeGeneralFailure; }
 
 private:
     static std::string_view bytes(const Path& path)

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "IFileSystem.h"
+#include "StreamsOnlyFileSystem.h"
 
 #include <algorithm>
 #include <cstring>
@@ -10,10 +10,8 @@
 #include <vector>
 
 /// A remote file system in memory, scripted to fail, that keeps a log of its calls.
-class MemoryFileSystem : public xenon::network::IFileSystem {
+class MemoryFileSystem : public StreamsOnlyFileSystem {
 public:
-    using Path = _XeString<wchar_t>;
-
     static constexpr XeResult kFault = static_cast<XeResult>(0x8004E777);
 
     std::map<Path, std::string> files;
@@ -92,14 +90,6 @@ public:
     }
 
     XeResult closeWrite(Handle handle) override { return close("closeWrite", handle); }
-
-    XeResult createFolder(const Path&) override { return kFault; }
-    XeResult strictFileName(const Path&, Path&) override { return kFault; }
-    XeResult list(const Path&, std::vector<Entry>&) override { return kFault; }
-    XeResult deleteFile(const Path&) override { return kFault; }
-    XeResult deleteFolder(const Path&) override { return kFault; }
-    XeResult rename(const Path&, const Path&) override { return kFault; }
-    XeResult isFolderEmpty(const Path&, bool&) override { return kFault; }
 
 protected:
     /// Logs a call; true when it is the one that fails.
