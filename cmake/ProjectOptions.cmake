@@ -30,5 +30,9 @@ endif()
 # Paths of the building machine stay out of the binaries, so builds of two checkouts are equal.
 add_compile_options("-ffile-prefix-map=${PROJECT_SOURCE_DIR}/=")
 
+# A project that builds this one as a part, perhaps with a newer compiler, sees warnings only.
 add_library(project_options INTERFACE)
-target_compile_options(project_options INTERFACE -Wall -Wextra -Wpedantic -Werror)
+target_compile_options(project_options INTERFACE -Wall -Wextra -Wpedantic)
+if(PROJECT_IS_TOP_LEVEL)
+    target_compile_options(project_options INTERFACE -Werror)
+endif()

@@ -7,12 +7,15 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <ctime>
 #include <future>
 #include <memory>
 #include <thread>
+#include <utility>
+#include <vector>
 
 using audiounit_compat::liveListenerCount;
 using testing::ElementsAre;
@@ -48,7 +51,11 @@ UInt64 _monotonicTime()
 
 class EventListenerThreads : public testing::Test {
 protected:
-    EventListenerThreads() { pool = [[NSAutoreleasePool alloc] init]; }
+    EventListenerThreads()
+    {
+        pool = [[NSAutoreleasePool alloc] init];
+        CFRunLoopGetCurrent(); // the main one is to be made on the main thread
+    }
     ~EventListenerThreads() override { [pool drain]; }
 
     NSAutoreleasePool* pool = nil;
@@ -325,6 +332,34 @@ TEST_F(EventListenerThreads, ExceptionOutOfACallbackIsLoggedAndTheRestDelivered)
     EXPECT_TRUE(runLoopUntil([&] { return listener.heard.size() == 3; }));
 }
 
+TEST_F(EventListenerThreads, ListenerMayBeDisposedInsideItsCallbackOnTheRunLoop)
+{
+    TestListener survivor(0.01F, 0);
+    survivor.add(valueEvent(&unit, 2));
+    TestListener listener(0.01F, 0, kCFRunLoopCommonModes);
+    listener.add(valueEvent(&unit, 1));
+    listener.onEvent = [&] { listener.dispose(); };
+    setParameter(&unit, 1, 1);
+    setParameter(&unit, 1, 2);
+    EXPECT_TRUE(runLoopUntil([&] { return !listener.heard.empty(); }));
+    setParameter(&unit, 2, 3);
+    EXPECT_TRUE(runLoopUntil([&] { return !survivor.heard.empty(); }));
+    EXPECT_THAT(listener.heard, ElementsAre(heardValue(1, 1)));
+}
+
+TEST_F(EventListenerThreads, UnitMayGoBeforeItsListenerWithEventsWaiting)
+{
+    auto gone = std::make_unique<TestUnit>();
+    TestListener listener(0.01F, 0);
+    listener.add(valueEvent(gone.get(), 1));
+    listener.add(valueEvent(&unit, 1));
+    setParameter(gone.get(), 1, 1);
+    gone.reset();
+    setParameter(&unit, 1, 2);
+    EXPECT_TRUE(runLoopUntil([&] { return !listener.heard.empty(); }));
+    EXPECT_THAT(listener.heard, ElementsAre(heardValue(1, 2)));
+}
+
 TEST_F(EventListenerThreads, WhatWaitedUnderAFakeClockIsDeliveredAfterIt)
 {
     TestListener listener(0.01F, 0);
@@ -340,7 +375,7 @@ TEST_F(EventListenerThreads, WhatWaitedUnderAFakeClockIsDeliveredAfterIt)
     EXPECT_THAT(listener.heard, ElementsAre(heardValue(1, 7)));
 }
 
-TEST_F(EventListenerThreads, LastReferenceToTheRunLoopGoesWithTheListener)
+TEST_F(EventListenerThreads, ListenerLeavesNoDescriptorBehind)
 {
     // A descriptor that stayed behind would be a leak of one for each editor that was opened.
     const auto openDescriptors = [] {

@@ -162,6 +162,17 @@ TEST_F(EventListener, GranularityZeroReportsEveryChange)
     EXPECT_THAT(listener.heard, ElementsAre(heardValue(1, 1), heardValue(1, 2)));
 }
 
+TEST_F(EventListener, EndlessGranularityReportsOnlyTheLastChange)
+{
+    TestListener listener(0.05F, std::numeric_limits<Float32>::max());
+    listener.add(valueEvent(&unit, 1));
+    setParameter(&unit, 1, 1);
+    clock.advance(1000);
+    setParameter(&unit, 1, 2);
+    deliverDue();
+    EXPECT_THAT(listener.heard, ElementsAre(heardValue(1, 2)));
+}
+
 TEST_F(EventListener, ReplacedChangeMovesToTheLaterTime)
 {
     TestListener listener(0.05F, 0.05F);

@@ -8,6 +8,7 @@
 
 #include <AudioUnitCompat/InProcessUnit.h>
 
+#include <algorithm>
 #include <cmath>
 #include <memory>
 
@@ -15,10 +16,12 @@ using namespace audiounit_compat;
 
 namespace {
 
-// Whole microseconds, so that 0.05F is 50 ms and not some nanoseconds more.
+// Whole microseconds, so that 0.05F is 50 ms and not some nanoseconds more. Beyond thirty years
+// nobody can tell the difference.
 UInt64 _nanoseconds(Float32 seconds)
 {
-    return static_cast<UInt64>(std::llround(static_cast<double>(seconds) * 1e6)) * 1000;
+    constexpr double kLongest = 1e9;
+    return static_cast<UInt64>(std::llround(std::min<double>(seconds, kLongest) * 1e6)) * 1000;
 }
 
 bool _isDuration(Float32 seconds) { return std::isfinite(seconds) && seconds >= 0; }

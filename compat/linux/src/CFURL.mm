@@ -2,6 +2,7 @@
 
 #import <Foundation/Foundation.h>
 
+#include <algorithm>
 #include <cstring>
 
 static NSURL* _url(CFURLRef url) { return reinterpret_cast<NSURL*>(const_cast<__CFURL*>(url)); }
@@ -30,10 +31,12 @@ Boolean CFURLGetFileSystemRepresentation(CFURLRef url, Boolean resolveAgainstBas
             return false;
         }
         const char* const path = [[whole path] UTF8String];
-        if (path == nullptr || static_cast<CFIndex>(std::strlen(path)) >= maxBufferLength) {
+        const std::size_t size = path != nullptr ? std::strlen(path) + 1 : 0;
+        if (path == nullptr ||
+            size > static_cast<std::size_t>(std::max<CFIndex>(maxBufferLength, 0))) {
             return false;
         }
-        std::strcpy(reinterpret_cast<char*>(buffer), path);
+        std::memcpy(buffer, path, size);
         return true;
     }
 }

@@ -10,6 +10,8 @@
 #include <deque>
 #include <memory>
 #include <mutex>
+#include <tuple>
+#include <utility>
 #include <vector>
 
 namespace audiounit_compat {
@@ -22,7 +24,12 @@ struct EventKey {
     AudioUnitScope scope;
     AudioUnitElement element;
 
-    auto operator<=>(const EventKey&) const = default;
+    bool operator==(const EventKey&) const = default;
+    bool operator<(const EventKey& other) const
+    {
+        return std::tie(unit, type, id, scope, element) <
+               std::tie(other.unit, other.type, other.id, other.scope, other.element);
+    }
 };
 
 EventKey keyOf(const AudioUnitEvent& event);

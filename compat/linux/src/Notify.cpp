@@ -7,6 +7,7 @@
 #include <AudioUnitCompat/InProcessUnit.h>
 
 #include <algorithm>
+#include <vector>
 
 namespace audiounit_compat {
 
@@ -20,6 +21,15 @@ bool _isSkipped(const Sender& sender, const Route& route)
            (sender.object == nullptr || sender.object == route.registration->object);
 }
 
+// The first route at or after a key, in the order that routes are sorted by.
+std::vector<Route>::const_iterator _firstRoute(const std::vector<Route>& routes,
+                                               const EventKey& key)
+{
+    return std::lower_bound(
+        routes.begin(), routes.end(), key,
+        [](const Route& each, const EventKey& wanted) { return each.registration->key < wanted; });
+}
+
 } // namespace
 
 void notifyEvent(const Sender& sender, const AudioUnitEvent& event, AudioUnitParameterValue value)
@@ -27,9 +37,7 @@ void notifyEvent(const Sender& sender, const AudioUnitEvent& event, AudioUnitPar
     const UInt64 time = hostTime();
     const EventKey key = keyOf(event);
     const Registry::Reader snapshot;
-    auto route = std::lower_bound(
-        snapshot->routes.begin(), snapshot->routes.end(), key,
-        [](const Route& each, const EventKey& wanted) { return each.registration->key < wanted; });
+    auto route = _firstRoute(snapshot->routes, key);
     for (; route != snapshot->routes.end() && route->registration->key == key; ++route) {
         if (!_isSkipped(sender, *route)) {
             route->listener->notify({route->registration, time, value});
@@ -42,9 +50,7 @@ void notifyAnyParameter(const Sender& sender, AudioUnit unit)
     const UInt64 time = hostTime();
     const EventKey first{unit, kAudioUnitEvent_ParameterValueChange, 0, 0, 0};
     const Registry::Reader snapshot;
-    auto route = std::lower_bound(
-        snapshot->routes.begin(), snapshot->routes.end(), first,
-        [](const Route& each, const EventKey& wanted) { return each.registration->key < wanted; });
+    auto route = _firstRoute(snapshot->routes, first);
     for (; route != snapshot->routes.end(); ++route) {
         const EventKey& key = route->registration->key;
         if (key.unit != unit || key.type != kAudioUnitEvent_ParameterValueChange) {

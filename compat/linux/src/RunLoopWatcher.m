@@ -2,6 +2,12 @@
 
 #include <unistd.h>
 
+// The run loop takes a descriptor for a pointer.
+static void* _handle(int descriptor)
+{
+    return (void*)(intptr_t)descriptor; // NOLINT(performance-no-int-to-ptr)
+}
+
 @implementation AudioUnitCompatWatcher
 
 - (id)initWithDescriptor:(int)descriptor
@@ -30,7 +36,7 @@
 - (void)attach
 {
     for (NSString* mode in m_modes) {
-        [[NSRunLoop currentRunLoop] addEvent:(void*)(intptr_t)m_descriptor
+        [[NSRunLoop currentRunLoop] addEvent:_handle(m_descriptor)
                                         type:ET_RDESC
                                      watcher:self
                                      forMode:mode];
@@ -40,7 +46,7 @@
 - (void)detach
 {
     for (NSString* mode in m_modes) {
-        [[NSRunLoop currentRunLoop] removeEvent:(void*)(intptr_t)m_descriptor
+        [[NSRunLoop currentRunLoop] removeEvent:_handle(m_descriptor)
                                            type:ET_RDESC
                                         forMode:mode
                                             all:YES];

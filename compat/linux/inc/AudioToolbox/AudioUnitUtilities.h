@@ -73,7 +73,8 @@ CF_EXTERN_C_BEGIN
 /// @param inRunLoopMode  Mode to deliver in; null means the default mode, kCFRunLoopCommonModes
 ///                       means the default, event-tracking and modal-panel modes.
 /// @param inNotificationInterval  Seconds; 0 delivers at once.
-/// @param inValueChangeGranularity  Seconds; 0 reports every change.
+/// @param inValueChangeGranularity  Seconds; 0 reports every change. Both are rounded to the
+///                       microsecond.
 /// @param outListener    Receives the listener, to be given to AUListenerDispose(). Not null.
 /// @return kAudio_ParamError for a null function or `outListener`, the run loop of a third thread,
 ///         and a time that is negative or not finite; the system's error number when it has no

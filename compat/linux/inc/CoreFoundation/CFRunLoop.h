@@ -15,7 +15,9 @@ CF_EXPORT const CFRunLoopMode kCFRunLoopCommonModes;
 /// thread.
 CF_EXPORT CFRunLoopRef CFRunLoopGetCurrent(void);
 
-/// The run loop of the main thread. Borrowed.
+/// The run loop of the main thread. Borrowed. On another thread only once the main thread has used
+/// its own, as every application has: GNUstep makes one that does not work when it is asked for
+/// elsewhere first.
 CF_EXPORT CFRunLoopRef CFRunLoopGetMain(void);
 
 CF_EXTERN_C_END
