@@ -58,25 +58,32 @@ bool shortNumber(const std::string& digits, unsigned& value)
     return digits.size() <= 4;
 }
 
-void checkFields(const XESMPTEVAL& time, const std::vector<Piece>& pieces)
+void checkSeconds(const XESMPTEVAL& time, const Piece& piece)
 {
-    const unsigned fields[] = {time.seconds, time.minutes, time.hours};
-    for (std::size_t index = 0; index < 3; ++index) {
-        unsigned expected = 0;
-        const bool present = index < pieces.size();
-        if (!present || shortNumber(pieces[pieces.size() - 1 - index].whole, expected)) {
-            require((index == 0 && pieces.back().negative) || fields[index] == expected);
-        }
-    }
-    const Piece& last = pieces.back();
-    if (last.negative) {
+    unsigned seconds = 0;
+    if (piece.negative || !shortNumber(piece.whole, seconds)) {
         return;
     }
-    require(time.frames < 1000);
-    unsigned seconds = 0;
-    if (shortNumber(last.whole, seconds) && last.decimals.size() <= 9) {
-        require(time.frames == std::stoul((last.decimals + "000").substr(0, 3)));
+    if (piece.decimals.size() <= 9) {
+        require(time.seconds == seconds);
+        require(time.frames == std::stoul((piece.decimals + "000").substr(0, 3)));
+    } else { // a row of nines is pushed over the second
+        require(time.seconds - seconds <= 1);
     }
+}
+
+void checkFields(const XESMPTEVAL& time, const std::vector<Piece>& pieces)
+{
+    const unsigned fields[] = {time.minutes, time.hours};
+    for (std::size_t before = 0; before < 2; ++before) {
+        unsigned expected = 0;
+        if (before + 1 >= pieces.size() ||
+            shortNumber(pieces[pieces.size() - 2 - before].whole, expected)) {
+            require(fields[before] == expected);
+        }
+    }
+    require(pieces.back().negative || time.frames < 1000);
+    checkSeconds(time, pieces.back());
 }
 
 } // namespace

@@ -27,7 +27,7 @@ template <class Iterator, class Integer>
 Iterator atoi(Iterator begin, Iterator end, Integer& out);
 
 /// Reads a decimal number: white space, one '+' or '-', then digits with decimal point and
-/// exponent ("1.5e-3"), or a word for a value that is no number: "nan", "inf", "infinity", in one
+/// exponent ("1.5e-3"), or a word for a value that is no number: "nan", "inf", "infinity", in any
 /// letter case.
 ///
 /// The number's characters are all digits, decimal points, thousands separators, 'e', 'E' and
@@ -49,7 +49,7 @@ Iterator atof(Iterator begin, Iterator end, double& out);
 ///
 /// Tabs and spaces in front are skipped; tabs, spaces and '%' at the end are cut off, in `text`
 /// itself. A '-' may lead, a '+' may not. Before the last decimal point of the text thousands
-/// separators are skipped and a tab or space ends the number, with no fraction; any other
+/// separators are skipped and a tab or any other space ends the number, without fraction; any other
 /// character stops reading there, and then `*out` holds the digits so far without their sign.
 /// A number that is read to its end is moved away from zero by 0.000000000005, so that 0.29 is
 /// not less than 29 hundredths.

@@ -1,10 +1,15 @@
 #pragma once
 
 #include <array>
+#include <bit>
 #include <cstdint>
 #include <locale>
-#include <string_view>
-#include <type_traits>
+
+/// A character's code, the same whether wchar_t has a sign or not.
+inline std::uint32_t codeOf(wchar_t c) { return std::bit_cast<std::uint32_t>(c); }
+
+/// The value of a decimal digit, 10 or more for any other character.
+inline std::uint32_t digitValue(wchar_t c) { return codeOf(c) - codeOf(L'0'); }
 
 /// How a locale writes numbers, copied out of its facets: asking a facet costs more than reading a
 /// whole number.
@@ -21,7 +26,7 @@ public:
     /// White space as the locale classes it.
     bool isSpace(wchar_t c) const
     {
-        const auto code = static_cast<std::uint32_t>(c);
+        const std::uint32_t code = codeOf(c);
         return code < m_asciiSpace.size() ? m_asciiSpace[code]
                                           : m_letters->is(std::ctype_base::space, c);
     }
@@ -37,38 +42,3 @@ private:
 /// The style of the global locale as it is now. One copy per thread, made anew when the global
 /// locale has changed since this thread's last call; the reference is good until the next call.
 const NumericStyle& currentNumericStyle();
-
-/// The value of a decimal digit, 10 or more for any other character.
-inline std::uint32_t digitValue(wchar_t c)
-{
-    return static_cast<std::uint32_t>(c) - static_cast<std::uint32_t>(L'0');
-}
-
-/// xenon::util::atoi over plain pointers, with the style already looked up.
-template <class Integer>
-const wchar_t* readInteger(const NumericStyle& style, const wchar_t* begin, const wchar_t* end,
-                           Integer& out)
-{
-    using Unsigned = std::make_unsigned_t<Integer>; // wraps where the signed type must not
-    const wchar_t* at = begin;
-    while (at != end && style.isSpace(*at)) {
-        ++at;
-    }
-    const bool negative = at != end && *at == L'-';
-    if (at != end && (negative || *at == L'+')) {
-        ++at;
-    }
-    Unsigned value = 0;
-    for (; at != end; ++at) {
-        if (const std::uint32_t digit = digitValue(*at); digit < 10) {
-            value = value * 10 + digit;
-        } else if (*at != style.thousandsSeparator()) {
-            break;
-        }
-    }
-    out = static_cast<Integer>(negative ? Unsigned{0} - value : value);
-    while (at != end && style.isSpace(*at)) {
-        ++at;
-    }
-    return at;
-}

@@ -41,30 +41,30 @@ constexpr FormatText kDropLabel   { Fields, kHms, L"%02u:%02u:%02u;%02u", L"%02u
 // every type that is not video.
 // clang-format off
 constexpr FormatTraits kFormats[] = {
-    // type                          rate (1/s)  HMSF   text          time code  step     day
-    { zqposfmt_samples,              kNoRate,    false, kWhole,       None,      One,     Drop },
-    { zqposfmt_time_ms,              1000.0,     true,  kClockMs,     None,      Tenth,   Drop },
-    { zqposfmt_seconds,              kNoRate,    false, kDecimal,     None,      Tenth,   Drop },
-    { zqposfmt_time_frames,          75.0,       true,  kClockFrames, None,      Frame,   Drop },
-    { zqposfmt_frames,               kNoRate,    false, kDecimal,     None,      Frame,   Drop },
-    { zqposfmt_measures,             kNoRate,    false, kBeats,       None,      Beat,    Drop },
-    { zqposfmt_smpte_29_97,          kNtscVideo, true,  kLabel,       NonDrop,   Frame,   Video },
-    { zqposfmt_smpte_30,             30.0,       true,  kLabel,       NonDrop,   Frame,   Video },
-    { zqposfmt_smpte_29_97_drop,     kNtscVideo, true,  kDropLabel,   DropFrame, Frame,   Drop },
-    { zqposfmt_smpte_25,             25.0,       true,  kLabel,       NonDrop,   Frame,   Video },
-    { zqposfmt_smpte_24,             24.0,       true,  kLabel,       NonDrop,   Frame,   Film },
-    { zqposfmt_count,                kNoRate,    false, kWhole,       None,      One,     Drop },
-    { zqposfmt_count_2,              kNoRate,    false, kWhole,       None,      One,     Drop },
-    { zqposfmt_measures_2,           kNoRate,    false, kBeats,       None,      One,     Drop },
-    { zqposfmt_decimal,              kNoRate,    false, kDecimal,     None,      One,     Drop },
-    { zqposfmt_feet_frames_35mm,     kNoRate,    false, kFeet,        None,      One,     Drop },
-    { zqposfmt_feet_frames_16mm,     kNoRate,    false, kFeet,        None,      One,     Drop },
-    { zqposfmt_frames_75,            75.0,       true,  kLabel,       None,      Frame,   Drop },
-    { zqposfmt_smpte_23_976,         kNtscFilm,  true,  kLabel,       NonDrop,   One,     Film },
-    { zqposfmt_time,                 1000.0,     false, kClock,       None,      One,     Drop },
-    { zqposfmt_percent,              kNoRate,    false, kWhole,       None,      Percent, Drop },
-    { zqposfmt_smpte_half_step,      kNoRate,    true,  kLabel,       NonDrop,   One,     Video },
-    { zqposfmt_smpte_half_step_drop, kNoRate,    true,  kDropLabel,   DropFrame, One,     Drop },
+    // type                          rate (1/s)  text          time code  step     day    HMSF
+    { zqposfmt_samples,              kNoRate,    kWhole,       None,      One,     Drop,  false },
+    { zqposfmt_time_ms,              1000.0,     kClockMs,     None,      Tenth,   Drop,  true  },
+    { zqposfmt_seconds,              kNoRate,    kDecimal,     None,      Tenth,   Drop,  false },
+    { zqposfmt_time_frames,          75.0,       kClockFrames, None,      Frame,   Drop,  true  },
+    { zqposfmt_frames,               kNoRate,    kDecimal,     None,      Frame,   Drop,  false },
+    { zqposfmt_measures,             kNoRate,    kBeats,       None,      Beat,    Drop,  false },
+    { zqposfmt_smpte_29_97,          kNtscVideo, kLabel,       NonDrop,   Frame,   Video, true  },
+    { zqposfmt_smpte_30,             30.0,       kLabel,       NonDrop,   Frame,   Video, true  },
+    { zqposfmt_smpte_29_97_drop,     kNtscVideo, kDropLabel,   DropFrame, Frame,   Drop,  true  },
+    { zqposfmt_smpte_25,             25.0,       kLabel,       NonDrop,   Frame,   Video, true  },
+    { zqposfmt_smpte_24,             24.0,       kLabel,       NonDrop,   Frame,   Film,  true  },
+    { zqposfmt_count,                kNoRate,    kWhole,       None,      One,     Drop,  false },
+    { zqposfmt_count_2,              kNoRate,    kWhole,       None,      One,     Drop,  false },
+    { zqposfmt_measures_2,           kNoRate,    kBeats,       None,      One,     Drop,  false },
+    { zqposfmt_decimal,              kNoRate,    kDecimal,     None,      One,     Drop,  false },
+    { zqposfmt_feet_frames_35mm,     kNoRate,    kFeet,        None,      One,     Drop,  false },
+    { zqposfmt_feet_frames_16mm,     kNoRate,    kFeet,        None,      One,     Drop,  false },
+    { zqposfmt_frames_75,            75.0,       kLabel,       None,      Frame,   Drop,  true  },
+    { zqposfmt_smpte_23_976,         kNtscFilm,  kLabel,       NonDrop,   One,     Film,  true  },
+    { zqposfmt_time,                 1000.0,     kClock,       None,      One,     Drop,  false },
+    { zqposfmt_percent,              kNoRate,    kWhole,       None,      Percent, Drop,  false },
+    { zqposfmt_smpte_half_step,      kNoRate,    kLabel,       NonDrop,   One,     Video, true  },
+    { zqposfmt_smpte_half_step_drop, kNoRate,    kDropLabel,   DropFrame, One,     Drop,  true  },
 };
 // clang-format on
 
@@ -90,11 +90,15 @@ struct _RateFamily {
 // In the order of comparison; the first family with a rate that is close enough decides.
 // clang-format off
 constexpr _RateFamily kRateFamilies[] = {
-    { { 29.97002997002997, 14.985014985014985, 7.492507492507492, 59.94005994005994, 119.88011988011988, 239.76023976023976 }, zqposfmt_smpte_29_97, zqposfmt_smpte_29_97_drop },
-    { { 23.976023976023978, 11.988011988011989, 5.994005994005994, 47.952047952047955, 95.90409590409591, 191.80819180819182 }, zqposfmt_smpte_23_976, zqposfmt_smpte_23_976 },
-    { { 24.0, 12.0, 6.0, 48.0, 96.0, 192.0 },   zqposfmt_smpte_24, zqposfmt_smpte_24 },
+    { { 29.97002997002997, 14.985014985014985, 7.492507492507492,
+        59.94005994005994, 119.88011988011988, 239.76023976023976 },
+      zqposfmt_smpte_29_97, zqposfmt_smpte_29_97_drop },
+    { { 23.976023976023978, 11.988011988011989, 5.994005994005994,
+        47.952047952047955, 95.90409590409591, 191.80819180819182 },
+      zqposfmt_smpte_23_976, zqposfmt_smpte_23_976 },
+    { { 24.0, 12.0, 6.0, 48.0, 96.0, 192.0 }, zqposfmt_smpte_24, zqposfmt_smpte_24 },
     { { 25.0, 12.5, 6.25, 50.0, 100.0, 200.0 }, zqposfmt_smpte_25, zqposfmt_smpte_25 },
-    { { 30.0, 15.0, 7.5, 60.0, 120.0, 240.0 },  zqposfmt_smpte_30, zqposfmt_smpte_30 },
+    { { 30.0, 15.0, 7.5, 60.0, 120.0, 240.0 }, zqposfmt_smpte_30, zqposfmt_smpte_30 },
 };
 // clang-format on
 

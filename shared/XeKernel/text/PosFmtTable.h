@@ -26,11 +26,11 @@ enum class TimeCode { None, NonDrop, DropFrame };
 struct FormatTraits {
     _zqposfmt_format type;
     double rate; ///< frames per second, kNoRate for types without one
-    bool hmsf;
     FormatText text;
     TimeCode timeCode;
     Step step;
     Day day;
+    bool hmsf; ///< shown as hours, minutes, seconds and a part of a second
 };
 
 inline constexpr double kNoRate = -1.0;

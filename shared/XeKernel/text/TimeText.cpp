@@ -11,12 +11,11 @@
 #include <cctype>
 #include <cmath>
 #include <string_view>
+#include <utility>
 
 namespace {
 
 using _Text = boost::container::small_vector<wchar_t, 64>;
-
-constexpr std::size_t kFields = 4; // of a label
 
 std::wstring_view _trimmed(std::wstring_view text, const NumericStyle& style)
 {
@@ -29,37 +28,41 @@ std::wstring_view _trimmed(std::wstring_view text, const NumericStyle& style)
     return text;
 }
 
-/// Writes a typed label as digits with ':' between its four fields. False for more fields.
-bool _spellOut(std::wstring_view typed, _Text& label)
+/// Spreads a run of digits, read as frames, over the fields in pairs. False for more than four
+/// pairs.
+bool _splitPairs(std::size_t digits, XESMPTEVAL& label)
 {
-    const auto found = static_cast<std::size_t>(std::ranges::count_if(typed, not_isdigit));
-    const bool pairs = found == 0 && !typed.empty();
-    const std::size_t separators = pairs ? (typed.size() - 1) / 2 : found;
-    if (separators >= kFields) {
-        return false;
-    }
-    for (std::size_t missing = kFields - 1 - separators; missing != 0; --missing) {
-        label.push_back(L'0');
-        label.push_back(L':');
-    }
-    for (std::size_t at = 0; at < typed.size(); ++at) {
-        if (pairs && at != 0 && (typed.size() - at) % 2 == 0) {
-            label.push_back(L':');
-        }
-        label.push_back(not_isdigit(typed[at]) ? L':' : typed[at]);
-    }
-    return true;
+    constexpr std::size_t kMostDigits = 8;
+
+    const std::uint32_t number = label.frames;
+    label.hours = number / 1000000;
+    label.minutes = number / 10000 % 100;
+    label.seconds = number / 100 % 100;
+    label.frames = number % 100;
+    return digits <= kMostDigits;
 }
 
-/// Reads the four fields; one that is empty is 0.
-void _readFields(const _Text& label, const NumericStyle& style, XESMPTEVAL& out)
+/// Reads the fields of a label from the right, so that missing ones in front are 0. What is not a
+/// digit separates. False for more than four fields.
+bool _readFields(std::wstring_view typed, XESMPTEVAL& label)
 {
-    const wchar_t* at = label.data();
-    const wchar_t* const end = at + label.size();
-    for (std::uint32_t* const field : {&out.hours, &out.minutes, &out.seconds, &out.frames}) {
-        at = readInteger(style, at, end, *field);
-        at += at != end;
+    constexpr int kMostSeparators = 3;
+
+    int separators = 0;
+    for (const wchar_t c : typed) {
+        if (!not_isdigit(c)) {
+            label.frames = label.frames * 10 + digitValue(c);
+            continue;
+        }
+        if (++separators > kMostSeparators) {
+            return false;
+        }
+        label.hours = label.minutes;
+        label.minutes = label.seconds;
+        label.seconds = label.frames;
+        label.frames = 0;
     }
+    return separators != 0 || _splitPairs(typed.size(), label);
 }
 
 /// Carries frames into seconds and turns the second-field mark into what the rate makes of it.
@@ -122,24 +125,23 @@ bool is_separator(wchar_t c) { return c == L'.' || c == L':' || c == L';'; }
 
 bool not_isdigit(wchar_t c)
 {
-    const auto code = static_cast<std::uint32_t>(c);
+    const std::uint32_t code = codeOf(c);
     return code > 255 || std::isdigit(static_cast<int>(code)) == 0;
 }
 
 bool AsciiToSMPTE(const _XeString<wchar_t>& text, XESMPTEVAL* out, unsigned fps, bool halfStep)
 {
     *out = {};
-    const NumericStyle& style = currentNumericStyle();
-    std::wstring_view typed = _trimmed(text, style);
+    std::wstring_view typed = _trimmed(text, currentNumericStyle());
     const bool marked = typed.ends_with(L'*');
     typed.remove_suffix(marked ? 1 : 0);
-    _Text label;
-    if (!_spellOut(typed, label)) {
+    XESMPTEVAL label;
+    if (!_readFields(typed, label)) {
         return false;
     }
-    _readFields(label, style, *out);
-    _carryFrames(*out, fps, halfStep, marked);
-    _carrySeconds(*out);
+    _carryFrames(label, fps, halfStep, marked);
+    _carrySeconds(label);
+    *out = label;
     return true;
 }
 

@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <iterator>
+#include <limits>
 #include <string_view>
 
 namespace {
@@ -23,6 +24,8 @@ constexpr _Decimals kDecimals[] = {
     {1e-0f, 1},      {1e-1f, 10},      {1e-2f, 100},      {1e-3f, 1000},      {1e-4f, 10000},
     {1e-5f, 100000}, {1e-6f, 1000000}, {1e-7f, 10000000}, {1e-8f, 100000000}, {1e-9f, 1000000000},
 };
+
+constexpr int kLongestWhole = std::numeric_limits<double>::max_exponent10 + 1; // digits
 
 /// A unit below the true power of ten would round ties down. It may be off by half a unit in its
 /// last place, so that much more is allowed. Units that are exact or above need nothing.
@@ -46,9 +49,9 @@ const _Decimals& _decimalsOf(std::wstring_view pattern)
 /// 100) makes printf write its leading zeros; the point then takes the place of the 1.
 void _appendFraction(_XeString<wchar_t>& text, double fraction, int scale)
 {
-    _XeString<wchar_t> digits;
-    XeSprintf(digits, L"%d", scale + truncatedTo<int>(fraction));
-    digits.front() = currentNumericStyle().decimalPoint();
+    wchar_t digits[16];
+    XeCRT::swprintf_s(digits, std::size(digits), L"%d", scale + truncatedTo<int>(fraction));
+    digits[0] = currentNumericStyle().decimalPoint();
     text += digits;
 }
 
@@ -104,7 +107,9 @@ int FormatFloatPretty(_XeString<wchar_t>& out, double value, _XeString<wchar_t>&
     const double rounded =
         std::fabs(value) + 0.5 * static_cast<double>(decimals.unit) + _tieAllowance(decimals);
     const double whole = std::trunc(rounded);
-    XeSprintf(out, L"%.0f", whole);
+    wchar_t digits[kLongestWhole + 1];
+    XeCRT::swprintf_s(digits, std::size(digits), L"%.0f", whole);
+    out = digits;
     if (pretty) {
         PrettyNumber(out);
     }

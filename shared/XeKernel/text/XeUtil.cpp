@@ -9,9 +9,11 @@
 
 #include <algorithm>
 #include <cwchar>
+#include <iterator>
 #include <memory>
 #include <optional>
 #include <string_view>
+#include <type_traits>
 #include <utility>
 
 namespace {
@@ -23,6 +25,34 @@ bool _isBlank(wchar_t c) { return c == L' ' || c == L'\t'; }
 bool _isLetter(wchar_t c) { return (c >= L'a' && c <= L'z') || (c >= L'A' && c <= L'Z'); }
 
 bool _isExponentMark(wchar_t c) { return c == L'e' || c == L'E'; }
+
+template <class Integer>
+const wchar_t* _readInteger(const wchar_t* begin, const wchar_t* end, Integer& out)
+{
+    using Unsigned = std::make_unsigned_t<Integer>; // wraps where the signed type must not
+    const NumericStyle& style = currentNumericStyle();
+    const wchar_t* at = begin;
+    while (at != end && style.isSpace(*at)) {
+        ++at;
+    }
+    const bool negative = at != end && *at == L'-';
+    if (at != end && (negative || *at == L'+')) {
+        ++at;
+    }
+    Unsigned value = 0;
+    for (; at != end; ++at) {
+        if (const std::uint32_t digit = digitValue(*at); digit < 10) {
+            value = value * 10 + digit;
+        } else if (*at != style.thousandsSeparator()) {
+            break;
+        }
+    }
+    out = static_cast<Integer>(negative ? Unsigned{0} - value : value);
+    while (at != end && style.isSpace(*at)) {
+        ++at;
+    }
+    return at;
+}
 
 /// Copies the characters of one unsigned number, without thousands separators, to `number`.
 /// Returns where they end.
@@ -45,13 +75,12 @@ const wchar_t* _collectNumber(const NumericStyle& style, const wchar_t* at, cons
 }
 
 /// Digits with at most one decimal point whose value is one rounding away from two exact doubles:
-/// an integer below 2^53 and a power of ten up to 10^22 (W. D. Clinger, "How to Read Floating
+/// an integer below 2^53 and a power of ten up to 10^15 (W. D. Clinger, "How to Read Floating
 /// Point Numbers Accurately", 1990). Nothing for every other number.
 std::optional<double> _exactQuotient(const NumericStyle& style, const _NumberText& number)
 {
-    static constexpr double kPowersOfTen[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
-                                              1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
-                                              1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+    static constexpr double kPowersOfTen[] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                              1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
     std::uint64_t digits = 0;
     std::size_t afterPoint = 0;
     bool point = false;
@@ -65,7 +94,7 @@ std::optional<double> _exactQuotient(const NumericStyle& style, const _NumberTex
     }
     // Fifteen digits stay below 2^53; a lone decimal point is no number.
     const std::size_t count = number.size() - point;
-    if (count == 0 || count > 15) {
+    if (count == 0 || count >= std::size(kPowersOfTen)) {
         return std::nullopt;
     }
     return static_cast<double>(digits) / kPowersOfTen[afterPoint];
@@ -127,7 +156,7 @@ template <class Iterator, class Integer>
 Iterator atoi(Iterator begin, Iterator end, Integer& out)
 {
     const wchar_t* const first = std::to_address(begin);
-    return begin + (readInteger(currentNumericStyle(), first, std::to_address(end), out) - first);
+    return begin + (_readInteger(first, std::to_address(end), out) - first);
 }
 
 template <class Iterator>
@@ -173,10 +202,14 @@ wchar_t myatof(wchar_t* text, double* out)
     const bool negative = *at == L'-';
     at += negative;
     double value = 0;
-    for (; at < wholeEnd && !_isBlank(*at); ++at) {
+    for (; at < wholeEnd; ++at) {
         if (const std::uint32_t digit = digitValue(*at); digit < 10) {
             value = value * 10 + digit;
-        } else if (*at != style.thousandsSeparator()) {
+        } else if (*at == style.thousandsSeparator()) {
+            continue;
+        } else if (_isBlank(*at)) {
+            break;
+        } else {
             *out = value;
             return *at;
         }

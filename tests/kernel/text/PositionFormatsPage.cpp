@@ -20,6 +20,8 @@ constexpr std::array<long long, 4> kPositions = {0, 480000, 2880000, 178730000};
 /// How a format's positions are shown and its texts read.
 enum class Kind { Whole, Decimal, Clock, Frames, Measures, Film };
 
+using enum Kind;
+
 struct PageRow {
     _zqposfmt_format type;
     const char* name;
@@ -30,29 +32,29 @@ struct PageRow {
 
 // clang-format off
 constexpr PageRow kRows[] = {
-    { zqposfmt_samples,              "samples",                              Kind::Whole,    kSampleRate, 0 },
-    { zqposfmt_time_ms,              "clock time with milliseconds",         Kind::Clock,    0,           0 },
-    { zqposfmt_seconds,              "seconds",                              Kind::Decimal,  1,           0 },
-    { zqposfmt_time_frames,          "clock time and frames (here 75)",      Kind::Frames,   75,          0 },
-    { zqposfmt_frames,               "frames (here 75)",                     Kind::Decimal,  75,          0 },
-    { zqposfmt_measures,             "measures, beats, quarter beats",       Kind::Measures, 0,           0 },
-    { zqposfmt_smpte_29_97,          "SMPTE 29.97 non-drop",                 Kind::Frames,   0,           0 },
-    { zqposfmt_smpte_30,             "SMPTE 30",                             Kind::Frames,   0,           0 },
-    { zqposfmt_smpte_29_97_drop,     "SMPTE 29.97 drop frame",               Kind::Frames,   0,           0 },
-    { zqposfmt_smpte_25,             "SMPTE 25",                             Kind::Frames,   0,           0 },
-    { zqposfmt_smpte_24,             "SMPTE 24",                             Kind::Frames,   0,           0 },
-    { zqposfmt_count,                "integer count",                        Kind::Whole,    kSampleRate, 0 },
-    { zqposfmt_count_2,              "integer count (second)",               Kind::Whole,    kSampleRate, 0 },
-    { zqposfmt_measures_2,           "measures and beats (second)",          Kind::Measures, 0,           0 },
-    { zqposfmt_decimal,              "decimal number",                       Kind::Decimal,  kSampleRate, 0 },
-    { zqposfmt_feet_frames_35mm,     "feet and frames, 35 mm (16 a foot)",   Kind::Film,     0,          16 },
-    { zqposfmt_feet_frames_16mm,     "feet and frames, 16 mm (40 a foot)",   Kind::Film,     0,          40 },
-    { zqposfmt_frames_75,            "minutes, seconds and frames at 75",    Kind::Frames,   0,           0 },
-    { zqposfmt_smpte_23_976,         "SMPTE 23.976",                         Kind::Frames,   0,           0 },
-    { zqposfmt_time,                 "clock time",                           Kind::Clock,    0,           0 },
-    { zqposfmt_percent,              "percent (here of 1 h 20 min)",         Kind::Whole,    100 / 4800., 0 },
-    { zqposfmt_smpte_half_step,      "SMPTE half-step (here 60 fields)",     Kind::Frames,   60,          0 },
-    { zqposfmt_smpte_half_step_drop, "SMPTE half-step drop (here 59.94)",    Kind::Frames,   60 / 1.001,  0 },
+    {zqposfmt_samples,              "samples",                           Whole,    kSampleRate, 0},
+    {zqposfmt_time_ms,              "clock time with milliseconds",      Clock,    0,           0},
+    {zqposfmt_seconds,              "seconds",                           Decimal,  1,           0},
+    {zqposfmt_time_frames,          "clock time and frames (here 75)",   Frames,   75,          0},
+    {zqposfmt_frames,               "frames (here 75)",                  Decimal,  75,          0},
+    {zqposfmt_measures,             "measures, beats, quarter beats",    Measures, 0,           0},
+    {zqposfmt_smpte_29_97,          "SMPTE 29.97 non-drop",              Frames,   0,           0},
+    {zqposfmt_smpte_30,             "SMPTE 30",                          Frames,   0,           0},
+    {zqposfmt_smpte_29_97_drop,     "SMPTE 29.97 drop frame",            Frames,   0,           0},
+    {zqposfmt_smpte_25,             "SMPTE 25",                          Frames,   0,           0},
+    {zqposfmt_smpte_24,             "SMPTE 24",                          Frames,   0,           0},
+    {zqposfmt_count,                "integer count",                     Whole,    kSampleRate, 0},
+    {zqposfmt_count_2,              "integer count (second)",            Whole,    kSampleRate, 0},
+    {zqposfmt_measures_2,           "measures and beats (second)",       Measures, 0,           0},
+    {zqposfmt_decimal,              "decimal number",                    Decimal,  kSampleRate, 0},
+    {zqposfmt_feet_frames_35mm,     "feet and frames, 35 mm (16 a foot)",Film,     0,           16},
+    {zqposfmt_feet_frames_16mm,     "feet and frames, 16 mm (40 a foot)",Film,     0,           40},
+    {zqposfmt_frames_75,            "minutes, seconds and frames at 75", Frames,   0,           0},
+    {zqposfmt_smpte_23_976,         "SMPTE 23.976",                      Frames,   0,           0},
+    {zqposfmt_time,                 "clock time",                        Clock,    0,           0},
+    {zqposfmt_percent,              "percent (here of 1 h 20 min)",      Whole,    1 / 48.,     0},
+    {zqposfmt_smpte_half_step,      "SMPTE half-step (here 60 fields)",  Frames,   60,          0},
+    {zqposfmt_smpte_half_step_drop, "SMPTE half-step drop (here 59.94)", Frames,   60 / 1.001,  0},
 };
 // clang-format on
 
@@ -62,7 +64,7 @@ XePosFmt formatOf(const PageRow& row)
 {
     XePosFmt format(row.type);
     format.dwSampleRate = kSampleRate;
-    format.dFrameRate = row.kind == Kind::Frames && row.rate != 0 ? row.rate : 0;
+    format.dFrameRate = row.kind == Frames && row.rate != 0 ? row.rate : 0;
     if (format.dFrameRate == 0) {
         format.dFrameRate = std::max(format.typeToFrameRate(), 0.0);
     }
@@ -93,18 +95,18 @@ Text textOf(const PageRow& row, long long position, unsigned flags)
         return static_cast<long long>(std::floor(seconds * rate + 1e-6));
     };
     switch (row.kind) {
-    case Kind::Whole:
+    case Whole:
         return format.samplesToString(units(row.rate), flags);
-    case Kind::Decimal:
+    case Decimal:
         return format.metricToString(seconds * row.rate, flags);
-    case Kind::Clock:
+    case Clock:
         return format.hmsfToString(format.framesToSmpte(units(1000), false, false), flags);
-    case Kind::Frames:
+    case Frames:
         return format.smpteToString(format.framesToSmpte(units(format.frameRate()), false, false),
                                     flags);
-    case Kind::Measures:
+    case Measures:
         return measuresText(format, position, flags);
-    case Kind::Film:
+    case Film:
         break;
     }
     const long long frames = units(kFilmRate);
@@ -166,22 +168,22 @@ std::string readingOf(const PageRow& row, const Text& typed)
     const XePosFmt format = formatOf(row);
     try {
         switch (row.kind) {
-        case Kind::Whole:
+        case Whole:
             return code(format.samplesToString(XePosFmt::samplesFromString(typed), 0));
-        case Kind::Decimal:
+        case Decimal:
             return code(format.metricToString(XePosFmt::metricFromString(typed), 0));
-        case Kind::Film:
+        case Film:
             return code(format.feetAndFramesToString(XePosFmt::feetAndFramesFromString(typed), 0));
-        case Kind::Clock:
+        case Clock:
             return code(format.hmsfToString(format.hmsfFromString(typed), 0));
-        case Kind::Frames: {
+        case Frames: {
             const bool clock = row.type == zqposfmt_time_frames || row.type == zqposfmt_frames_75;
             const XESMPTEVAL label =
                 clock ? format.hmsfFromString(typed) : format.smpteFromString(typed);
             return code(format.smpteToString(
                 format.framesToSmpte(format.framesFromSMPTE(label), false, false), 0));
         }
-        case Kind::Measures:
+        case Measures:
             break;
         }
     } catch (int) {

@@ -53,31 +53,31 @@ constexpr const wchar_t* kFeet = L"%lld+%lld";
 
 // clang-format off
 constexpr TypeRow kTypes[] = {
-    {  0, -1.0,               false, false, kInt,     kInt,        kInt,        1,     2589408, 0 },
-    {  1, 1000.0,             true,  false, kHms,     kDot3,       kDot3,       4410,  2589408, 1 },
-    {  2, -1.0,               false, false, L"%.0f",  L"%.3f",     L"%.3f",     4410,  2589408, 2 },
-    {  3, 75.0,               true,  false, kHms,     kDot2,       kDot3,       1472,  2589408, 3 },
-    {  4, -1.0,               false, false, L"%.0f",  L"%.3f",     L"%.3f",     1472,  2589408, 4 },
-    {  5, -1.0,               false, false, L"%u:%u", L"%u:%u.%u", L"%u:%u.%u", 29400, 2589408, 5 },
-    {  6, 29.97002997002997,  true,  false, kHms,     kHmsf,       kHmsf3,      1472,  2592000, 21 },
-    {  7, 30.0,               true,  false, kHms,     kHmsf,       kHmsf3,      1472,  2592000, 21 },
-    {  8, 29.97002997002997,  true,  true,  kHms,     kDrop,       kDrop3,      1472,  2589408, 22 },
-    {  9, 25.0,               true,  false, kHms,     kHmsf,       kHmsf3,      1472,  2592000, 21 },
-    { 10, 24.0,               true,  false, kHms,     kHmsf,       kHmsf3,      1472,  2592000, 21 },
-    { 11, -1.0,               false, false, kInt,     kInt,        kInt,        1,     2589408, 11 },
-    { 12, -1.0,               false, false, kInt,     kInt,        kInt,        1,     2589408, 12 },
-    { 13, -1.0,               false, false, L"%u:%u", L"%u:%u.%u", L"%u:%u.%u", 1,     2589408, 13 },
-    { 14, -1.0,               false, false, L"%.0f",  L"%.3f",     L"%.3f",     1,     2589408, 14 },
-    { 15, -1.0,               false, false, kFeet,    kFeet,       kFeet,       1,     2589408, 15 },
-    { 16, -1.0,               false, false, kFeet,    kFeet,       kFeet,       1,     2589408, 16 },
-    { 17, 75.0,               true,  false, kHms,     kHmsf,       kHmsf3,      1472,  2589408, 17 },
-    { 18, 23.976023976023978, true,  false, kHms,     kHmsf,       kHmsf3,      1,     2592000, 21 },
-    { 19, 1000.0,             false, false, kHms,     kHms,        kHms,        1,     2589408, 19 },
-    { 20, -1.0,               false, false, kInt,     kInt,        kInt,        124,   2589408, 20 },
-    { 21, -1.0,               true,  false, kHms,     kHmsf,       kHmsf3,      1,     2592000, 21 },
-    { 22, -1.0,               true,  true,  kHms,     kDrop,       kDrop3,      1,     2589408, 22 },
-    { 23, -1.0,               false, false, kInt,     kInt,        kInt,        1,     2589408, 23 },
-    { 0xFFFFFFFF, -1.0,       false, false, kInt,     kInt,        kInt,        1,     2589408, 0xFFFFFFFF },
+    {0,  -1.0,               false, false, kInt,     kInt,        kInt,        1,     2589408, 0},
+    {1,  1000.0,             true,  false, kHms,     kDot3,       kDot3,       4410,  2589408, 1},
+    {2,  -1.0,               false, false, L"%.0f",  L"%.3f",     L"%.3f",     4410,  2589408, 2},
+    {3,  75.0,               true,  false, kHms,     kDot2,       kDot3,       1472,  2589408, 3},
+    {4,  -1.0,               false, false, L"%.0f",  L"%.3f",     L"%.3f",     1472,  2589408, 4},
+    {5,  -1.0,               false, false, L"%u:%u", L"%u:%u.%u", L"%u:%u.%u", 29400, 2589408, 5},
+    {6,  29.97002997002997,  true,  false, kHms,     kHmsf,       kHmsf3,      1472,  2592000, 21},
+    {7,  30.0,               true,  false, kHms,     kHmsf,       kHmsf3,      1472,  2592000, 21},
+    {8,  29.97002997002997,  true,  true,  kHms,     kDrop,       kDrop3,      1472,  2589408, 22},
+    {9,  25.0,               true,  false, kHms,     kHmsf,       kHmsf3,      1472,  2592000, 21},
+    {10, 24.0,               true,  false, kHms,     kHmsf,       kHmsf3,      1472,  2592000, 21},
+    {11, -1.0,               false, false, kInt,     kInt,        kInt,        1,     2589408, 11},
+    {12, -1.0,               false, false, kInt,     kInt,        kInt,        1,     2589408, 12},
+    {13, -1.0,               false, false, L"%u:%u", L"%u:%u.%u", L"%u:%u.%u", 1,     2589408, 13},
+    {14, -1.0,               false, false, L"%.0f",  L"%.3f",     L"%.3f",     1,     2589408, 14},
+    {15, -1.0,               false, false, kFeet,    kFeet,       kFeet,       1,     2589408, 15},
+    {16, -1.0,               false, false, kFeet,    kFeet,       kFeet,       1,     2589408, 16},
+    {17, 75.0,               true,  false, kHms,     kHmsf,       kHmsf3,      1472,  2589408, 17},
+    {18, 23.976023976023978, true,  false, kHms,     kHmsf,       kHmsf3,      1,     2592000, 21},
+    {19, 1000.0,             false, false, kHms,     kHms,        kHms,        1,     2589408, 19},
+    {20, -1.0,               false, false, kInt,     kInt,        kInt,        124,   2589408, 20},
+    {21, -1.0,               true,  false, kHms,     kHmsf,       kHmsf3,      1,     2592000, 21},
+    {22, -1.0,               true,  true,  kHms,     kDrop,       kDrop3,      1,     2589408, 22},
+    {23, -1.0,               false, false, kInt,     kInt,        kInt,        1,     2589408, 23},
+    {0xFFFFFFFF, -1.0, false, false, kInt, kInt, kInt, 1, 2589408, 0xFFFFFFFF},
 };
 // clang-format on
 
@@ -394,6 +394,15 @@ TEST(RollOver, ValueIsInUnitsOf100Nanoseconds)
         SCOPED_TRACE(row.value);
         EXPECT_EQ(formatAt(type(row.value), row.rate).rolloverValue(), row.units);
     }
+}
+
+// The rounding down forgives a hundred-thousandth of a unit. It shows at a rate beyond all sense
+// only: a day has more units than a double has decimals left.
+TEST(RollOver, ValueAHairShortOfAUnitIsThatUnit)
+{
+    const double units = 4294967295.0 * 86400 * 10000000;
+    EXPECT_EQ(formatAt(zqposfmt_smpte_30, units / 0.999991).rolloverValue(), 1);
+    EXPECT_EQ(formatAt(zqposfmt_smpte_30, units / 0.999989).rolloverValue(), 0);
 }
 
 TEST(RollOver, OfAWrappedCountShowsTheRest)
@@ -783,10 +792,10 @@ TEST(Position, OfALabelIsRoundedUp)
     EXPECT_EQ(format.smpteToPosition(48000, label(0, 0, 0, 1)), 1602); // 1601.6
     EXPECT_EQ(format.smpteToPosition(48000, label(0, 0, 0, 5)), 8008); // exact
     EXPECT_EQ(XePosFmt(zqposfmt_smpte_24).smpteToPosition(44100, label(0, 0, 1, 1)), 45938);
-    EXPECT_EQ(formatAt(zqposfmt_smpte_25, 3000000).smpteToPosition(1000, label(0, 0, 0, 3002)),
-              1); // 1.00067: less than a thousandth above stays
-    EXPECT_EQ(formatAt(zqposfmt_smpte_25, 3000000).smpteToPosition(1000, label(0, 0, 0, 3004)),
-              2); // 1.00133
+    // Less than a thousandth of a sample above stays.
+    const XePosFmt fine = formatAt(zqposfmt_smpte_25, 1000000);
+    EXPECT_EQ(fine.smpteToPosition(10, label(0, 0, 0, 100095)), 1); // 1.00095
+    EXPECT_EQ(fine.smpteToPosition(10, label(0, 0, 0, 100105)), 2); // 1.00105
 }
 
 TEST(Position, OfTheSecondFieldIsHalfAFrameLater)

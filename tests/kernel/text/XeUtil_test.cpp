@@ -260,6 +260,12 @@ TEST(Myatof, ASpaceEndsTheNumberWithoutAFraction)
     EXPECT_EQ(readUpTo(L"-12\t.5"), (Stop{-12 - kAway, L'\t'}));
 }
 
+TEST(Myatof, ASpaceThatSeparatesThousandsIsSkipped)
+{
+    const GlobalPunctuation spaced(L',', L' ');
+    EXPECT_EQ(readUpTo(L"1 234,5"), (Stop{1234.5 + kAway, 0}));
+}
+
 TEST(Myatof, CutsBlanksAndPercentSignsOffTheCallersText)
 {
     wchar_t text[] = L" 7 % ";
