@@ -27,6 +27,8 @@ void prepareFrameworks(const char* programName, double scale)
         @"GSScaleFactor" : @(scale),
         @"GSSuppressAppIcon" : @(YES),
         @"NSBoldFont" : @"Inter-SemiBold",
+        // Exceptions that reach the event loop go to reportException:, else they vanish.
+        @"NSExceptionHandlerMask" : @(1),
         @"NSFont" : @"Inter-Regular",
         @"NSFontSize" : @"12",
         @"NSMenuInterfaceStyle" : @"NSWindows95InterfaceStyle",

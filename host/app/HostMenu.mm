@@ -41,7 +41,10 @@ void installMainMenu()
     NSMenu* const bar = [[[NSMenu alloc] initWithTitle:program] autorelease];
     // Menus inside of windows always begin with one of the program's name.
     addMenu(bar, makeMenu(program, {{@"Quit", @selector(terminate:), @"q"}}));
-    addMenu(bar, makeMenu(@"File", {{@"Open…", @selector(openDocument:), @"o"}}));
+    addMenu(bar, makeMenu(@"File", {
+                                       {@"Open…", @selector(openDocument:), @"o"},
+                                       {@"Close", @selector(performClose:), @"w"},
+                                   }));
     addMenu(bar, makeMenu(@"Edit", {
                                        {@"Undo", @selector(undo:), @"z"},
                                        {nil, nullptr, nil},

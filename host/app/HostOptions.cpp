@@ -79,8 +79,10 @@ public:
         if (row == nullptr) {
             return "There is no option " + quotedPath(word) + "; --help lists them.";
         }
-        return atEnd() ? "The option " + word + " needs a value."
-                       : row->take(options, m_words[m_next++]);
+        if (atEnd() || m_words[m_next].empty()) {
+            return "The option " + word + " needs a value.";
+        }
+        return row->take(options, m_words[m_next++]);
     }
 
     bool atEnd() const { return m_next == m_words.size(); }

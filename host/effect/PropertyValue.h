@@ -29,4 +29,19 @@ inline NSString* newString(const std::string& text)
     return [[NSMutableString alloc] initWithUTF8String:text.c_str()];
 }
 
+/// Reads a string as UTF-8. False, with `outText` untouched, for anything that is no string or
+/// cannot be written in UTF-8 (it has a lone surrogate).
+inline bool readText(id object, std::string& outText)
+{
+    if (![object isKindOfClass:[NSString class]]) {
+        return false;
+    }
+    NSData* const bytes = [(NSString*)object dataUsingEncoding:NSUTF8StringEncoding];
+    if (bytes == nil) {
+        return false;
+    }
+    outText.assign(static_cast<const char*>([bytes bytes]), [bytes length]);
+    return true;
+}
+
 } // namespace host

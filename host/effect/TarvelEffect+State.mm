@@ -65,11 +65,10 @@ OSStatus TarvelEffect::setPresentPreset(const void* data)
 {
     const auto preset = valueAt<AUPreset>(data);
     // There are no factory presets; a user's preset has a negative number and a name.
-    if (preset.presetNumber >= 0 || preset.presetName == nullptr) {
+    if (preset.presetNumber >= 0 || !readText((id)preset.presetName, m_presetName)) {
         return kAudioUnitErr_InvalidPropertyValue;
     }
     m_presetNumber = preset.presetNumber;
-    m_presetName = [(NSString*)preset.presetName UTF8String];
     announce(kAudioUnitProperty_PresentPreset);
     return noErr;
 }
@@ -120,8 +119,6 @@ OSStatus TarvelEffect::setClassInfo(const void* data)
 void TarvelEffect::restorePresetName(CFTypeRef name)
 {
     m_presetNumber = -1;
-    if ([(id)name isKindOfClass:[NSString class]]) {
-        m_presetName = [(NSString*)name UTF8String];
-    }
+    readText((id)name, m_presetName);
     announce(kAudioUnitProperty_PresentPreset);
 }

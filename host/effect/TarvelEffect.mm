@@ -386,6 +386,9 @@ OSStatus TarvelEffect::getViewInfo(AudioUnitElement, void* outData)
     NSString* const path =
         [[NSFileManager defaultManager] stringWithFileSystemRepresentation:m_bundlePath.data()
                                                                     length:m_bundlePath.size()];
+    if (path == nil) {
+        return kAudioUnitErr_InvalidPropertyValue;
+    }
     auto* const members = static_cast<CFTypeRef*>(outData);
     members[0] = m_ledger.handOut((CFTypeRef)[[NSURL alloc] initFileURLWithPath:path]);
     std::transform(

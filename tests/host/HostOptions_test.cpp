@@ -48,7 +48,7 @@ TEST(HostOptions, ScaleLiesBetweenAHalfAndFour)
 {
     EXPECT_EQ(parsed({"--scale", "0.5"}).scale, 0.5);
     EXPECT_EQ(parsed({"--scale", "4"}).scale, 4.0);
-    for (const char* const wrong : {"0.49", "4.1", "-1", "two", "", "2x", "nan", "inf"}) {
+    for (const char* const wrong : {"0.49", "4.1", "-1", "two", "2x", "nan", "inf"}) {
         EXPECT_EQ(parseOptions({"--scale", wrong}).problem,
                   "The scale must be a number from 0.5 to 4, not \"" + std::string(wrong) + "\".");
     }
@@ -64,6 +64,7 @@ TEST(HostOptions, WrongUseIsToldInOneSentence)
         {{"--loud"}, "There is no option \"--loud\"; --help lists them."},
         {{"-x"}, "There is no option \"-x\"; --help lists them."},
         {{"--bundle"}, "The option --bundle needs a value."},
+        {{"--snapshot", ""}, "The option --snapshot needs a value."},
         {{"a.wav", "--snapshot"}, "The option --snapshot needs a value."},
         {{"a.wav", "b\n.wav"}, "Only one recording can be opened, not \"b\\x0a.wav\" as well."},
     };

@@ -509,6 +509,15 @@ TEST_F(TarvelEffectTest, ViewInfoHasTheBundleAndEveryClass)
     EXPECT_EQ(effect.outstandingReferences(), 0U);
 }
 
+TEST_F(TarvelEffectTest, BundlePathThatIsNoTextIsNoView)
+{
+    effect.setViewBundle("/tmp/\xE9.bundle", {"First"});
+    CFTypeRef members[2] = {};
+    UInt32 size = sizeof members;
+    EXPECT_EQ(AudioUnitGetProperty(unit, 31, kGlobal, 0, members, &size), -10851);
+    EXPECT_EQ(effect.outstandingReferences(), 0U);
+}
+
 // ---- references
 
 TEST_F(TarvelEffectTest, CountsReferencesThatClientsHold)
@@ -553,6 +562,9 @@ TEST_F(TarvelEffectTest, PresentPresetIsTheUsersOwn)
 
     EXPECT_EQ(set(unit, 36, AUPreset{0, (CFStringRef) @"Factory"}), -10851);
     EXPECT_EQ(set(unit, 36, AUPreset{-1, nullptr}), -10851);
+    const unichar loneSurrogate = 0xD800;
+    NSString* const noText = [NSString stringWithCharacters:&loneSurrogate length:1];
+    EXPECT_EQ(set(unit, 36, AUPreset{-1, (CFStringRef)noText}), -10851);
     EXPECT_THAT(heard.take(), IsEmpty());
 }
 

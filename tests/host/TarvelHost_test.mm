@@ -189,6 +189,36 @@ TEST_F(TarvelHostTest, OpensARecordingAndQuitsByKey)
     EXPECT_EQ(WEXITSTATUS(ended), 0);
 }
 
+TEST_F(TarvelHostTest, EndsWhenItsWindowCloses)
+{
+    REQUIRE_DISPLAY();
+    start(withTestView({SAMPLE_RECORDING}));
+    ASSERT_NE(waitForWindow("sample.flac — Tarvel"), "") << errors();
+    ASSERT_EQ(std::system("xdotool key super+w"), 0);
+    const int ended = status();
+    EXPECT_TRUE(WIFEXITED(ended));
+    EXPECT_EQ(WEXITSTATUS(ended), 0);
+}
+
+// The view raises in every mouse-down.
+TEST_F(TarvelHostTest, ExceptionInAnEditorIsReportedAndSurvived)
+{
+    REQUIRE_DISPLAY();
+    start({"--bundle", ANGRY_VIEW_BUNDLE, SAMPLE_RECORDING});
+    const std::string window = waitForWindow("sample.flac — Tarvel");
+    ASSERT_NE(window, "") << errors();
+    const std::string click = "xdotool mousemove --window " + window.substr(0, window.find('\n')) +
+                              " 320 300 mousedown 1 sleep 0.1 mouseup 1";
+    ASSERT_EQ(std::system(click.c_str()), 0);
+    EXPECT_TRUE(gui_test::pumpUntil([this] {
+        return errors().find("tarvel-host: TestException: do not touch") != std::string::npos;
+    })) << errors();
+    ASSERT_EQ(std::system("xdotool key super+q"), 0);
+    const int ended = status();
+    EXPECT_TRUE(WIFEXITED(ended));
+    EXPECT_EQ(WEXITSTATUS(ended), 0);
+}
+
 TEST_F(TarvelHostTest, TerminationSignalEndsItAtOnce)
 {
     REQUIRE_DISPLAY();
