@@ -23,23 +23,37 @@ bool readScale(const std::string& word, double& scale)
            scale <= kLargestScale;
 }
 
-/// Takes one option and its value into `options`; the sentence that says why not, or "".
-using Take = std::string (*)(HostOptions& options, const std::string& value);
+std::string takeBundle(HostOptions& options, const std::string& value)
+{
+    options.bundle = value;
+    return "";
+}
+
+std::string takeSnapshot(HostOptions& options, const std::string& value)
+{
+    options.snapshot = value;
+    return "";
+}
+
+std::string takeScale(HostOptions& options, const std::string& value)
+{
+    if (readScale(value, options.scale)) {
+        return "";
+    }
+    return "The scale must be a number from 0.5 to 4, not " + quotedPath(value) + ".";
+}
 
 struct OptionRow {
     std::string_view name;
-    Take take;
+    // Keeps the value; the sentence that says why it cannot, or "".
+    std::string (*take)(HostOptions& options, const std::string& value);
 };
 
-// clang-format off
 constexpr OptionRow kOptions[] = {
-    { "--bundle",   [](HostOptions& options, const std::string& value) { options.bundle = value;   return std::string(); } },
-    { "--snapshot", [](HostOptions& options, const std::string& value) { options.snapshot = value; return std::string(); } },
-    { "--scale",    [](HostOptions& options, const std::string& value) {
-        return readScale(value, options.scale) ? std::string() : "The scale must be a number from 0.5 to 4, not " + quotedPath(value) + ".";
-    } },
+    {"--bundle", takeBundle},
+    {"--scale", takeScale},
+    {"--snapshot", takeSnapshot},
 };
-// clang-format on
 
 const OptionRow* findOption(std::string_view name)
 {

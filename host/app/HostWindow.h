@@ -31,7 +31,7 @@
 /// Hands the recording to the effect and shows it; the editor is opened anew.
 - (void)showRecording:(std::shared_ptr<const host::Recording>)recording;
 
-/// Reads a file and shows it. Returns the problem as one sentence, or an empty text.
+/// Reads a file and shows it. Returns the problem or the warning as one sentence, or an empty text.
 - (std::string)openFile:(const std::string&)path;
 
 /// Asks for a file and opens it; a problem is shown in a panel.
@@ -41,7 +41,8 @@
 - (EditorPane*)editorPane;
 - (TarvelEffect*)effect;
 
-/// Closes the editor, then gives up the effect. Harmless when repeated.
+/// Closes the editor, then gives up the effect. Harmless when repeated; nothing else may be asked
+/// of the window afterwards.
 - (void)close;
 
 @end

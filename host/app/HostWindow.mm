@@ -13,13 +13,15 @@ namespace {
 
 constexpr CGFloat kMargin = 12;
 constexpr CGFloat kHeaderHeight = 34;
+constexpr CGFloat kLabelHeight = 20;
+constexpr CGFloat kLabelDrop = 29; // from the top of the window to the bottom of a label
 constexpr CGFloat kWaveformHeight = 150;
 constexpr CGFloat kSmallestWaveform = 60;
 const NSSize kPlaceholderSize = {640, 220};
 
 NSString* fromUtf8(const std::string& text) { return [NSString stringWithUTF8String:text.c_str()]; }
 
-/// A line of text that cannot be edited, along the top of its superview.
+/// A line of text that cannot be edited.
 NSTextField* makeLabel(NSRect frame, NSFont* font, NSColor* color)
 {
     NSTextField* const label = [[[NSTextField alloc] initWithFrame:frame] autorelease];
@@ -88,6 +90,7 @@ NSTextField* makeLabel(NSRect frame, NSFont* font, NSColor* color)
 - (void)dealloc
 {
     [self close];
+    [m_pane setDelegate:nil];
     [m_window release];
     [super dealloc];
 }
@@ -131,7 +134,7 @@ NSTextField* makeLabel(NSRect frame, NSFont* font, NSColor* color)
     if (result.recording != nullptr) {
         [self showRecording:result.recording];
     }
-    return result.problem;
+    return result.problem + result.warning; // at most one of them
 }
 
 - (void)openDocument:(id)sender
@@ -140,10 +143,9 @@ NSTextField* makeLabel(NSRect frame, NSFont* font, NSColor* color)
     if ([panel runModalForTypes:nil] != NSOKButton) {
         return;
     }
-    const std::string problem = [self openFile:[[panel filename] fileSystemRepresentation]];
-    if (!problem.empty()) {
-        NSRunAlertPanel(@"The recording cannot be opened", @"%@", @"OK", nil, nil,
-                        fromUtf8(problem));
+    const std::string message = [self openFile:[[panel filename] fileSystemRepresentation]];
+    if (!message.empty()) {
+        NSRunAlertPanel(@"Open", @"%@", @"OK", nil, nil, fromUtf8(message));
     }
 }
 
@@ -176,14 +178,15 @@ NSTextField* makeLabel(NSRect frame, NSFont* font, NSColor* color)
     const CGFloat width = NSWidth(bounds) - 2 * kMargin;
     const CGFloat top = NSMaxY(bounds);
 
-    m_title = makeLabel(NSMakeRect(kMargin, top - 29, width * 0.5, 20),
+    m_title = makeLabel(NSMakeRect(kMargin, top - kLabelDrop, width / 2, kLabelHeight),
                         [NSFont boldSystemFontOfSize:13], look::text());
     [m_title setStringValue:@"No recording"];
     [m_title setAutoresizingMask:NSViewMinYMargin | NSViewWidthSizable];
     [content addSubview:m_title];
 
-    m_details = makeLabel(NSMakeRect(kMargin + width * 0.5, top - 29, width * 0.5, 20),
-                          [NSFont systemFontOfSize:12], look::faintText());
+    m_details =
+        makeLabel(NSMakeRect(kMargin + width / 2, top - kLabelDrop, width / 2, kLabelHeight),
+                  [NSFont systemFontOfSize:12], look::faintText());
     [m_details setAlignment:NSRightTextAlignment];
     [m_details setAutoresizingMask:NSViewMinYMargin | NSViewMinXMargin];
     [content addSubview:m_details];
@@ -211,9 +214,11 @@ NSTextField* makeLabel(NSRect frame, NSFont* font, NSColor* color)
 {
     const NSSize size = [pane frame].size;
     const CGFloat above = kHeaderHeight + NSHeight([m_waveform frame]) + kMargin;
-    const CGFloat width = std::max(size.width, kPlaceholderSize.width);
-    [m_window setContentMinSize:NSMakeSize(width, size.height + kHeaderHeight + kSmallestWaveform +
-                                                      kMargin)];
+    const CGFloat narrowest = std::max(size.width, kPlaceholderSize.width);
+    // A window that the user has made wider stays so.
+    const CGFloat width = std::max(narrowest, NSWidth([[m_window contentView] frame]));
+    [m_window setContentMinSize:NSMakeSize(narrowest, size.height + kHeaderHeight +
+                                                          kSmallestWaveform + kMargin)];
     [m_window setContentSize:NSMakeSize(width, size.height + above)];
     [self _placeAbovePane:size];
 }

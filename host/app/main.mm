@@ -86,6 +86,9 @@ int main(int argc, char** argv)
         if (read.recording == nullptr) {
             return fail(read.problem, kFailed);
         }
+        if (!read.warning.empty()) {
+            std::fprintf(stderr, "tarvel-host: %s\n", read.warning.c_str());
+        }
     }
     return run(parsed.options, read.recording, argv[0]);
 }

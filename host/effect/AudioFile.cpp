@@ -82,7 +82,7 @@ std::string nameOfFormat(int format)
 
 ReadResult failure(const std::string& path, const std::string& rest)
 {
-    return {nullptr, quotedPath(path) + " " + rest};
+    return {nullptr, quotedPath(path) + " " + rest, ""};
 }
 
 /// Why the open descriptor cannot be an audio file; none when it may be one.
@@ -104,21 +104,30 @@ std::optional<std::string> whyNotAudio(const FileDescriptor& file)
     return std::nullopt;
 }
 
-/// Reads to the end. False when the decoder reports damage.
-bool readSamples(SNDFILE* file, const SF_INFO& info, std::vector<float>& samples)
+/// Reads to the end of the file or to where it is damaged.
+void readSamples(SNDFILE* file, const SF_INFO& info, std::vector<float>& samples)
 {
     const auto channels = static_cast<std::size_t>(info.channels);
     const auto promised = static_cast<std::uint64_t>(std::max<sf_count_t>(info.frames, 0));
     samples.reserve(std::min<std::uint64_t>(promised, kMostSamplesReserved / channels) * channels);
     std::vector<float> block(static_cast<std::size_t>(kFramesPerRead) * channels);
-    for (;;) {
-        const sf_count_t got = sf_readf_float(file, block.data(), kFramesPerRead);
-        if (got <= 0) {
-            return sf_error(file) == SF_ERR_NO_ERROR;
-        }
+    sf_count_t got = 0;
+    while ((got = sf_readf_float(file, block.data(), kFramesPerRead)) > 0) {
         const auto count = static_cast<std::ptrdiff_t>(static_cast<std::size_t>(got) * channels);
         samples.insert(samples.end(), block.begin(), block.begin() + count);
     }
+}
+
+/// What to say of a file that has fewer frames than its header promises, or "".
+std::string shortfall(const Recording& recording, const SF_INFO& info)
+{
+    const auto frames = static_cast<sf_count_t>(recording.frames());
+    // Where the length cannot be told, the decoder gives the largest number.
+    if (frames >= info.frames || info.frames == SF_COUNT_MAX) {
+        return "";
+    }
+    return quotedPath(recording.path) + " is damaged: only the first " + std::to_string(frames) +
+           " of " + std::to_string(info.frames) + " frames could be read.";
 }
 
 /// Decodes the whole file. Throws std::bad_alloc.
@@ -137,13 +146,11 @@ ReadResult decode(const std::string& path, const FileDescriptor& descriptor)
     recording->bitDepth = bitDepthOf(info.format & SF_FORMAT_SUBMASK);
     recording->sampleRate = static_cast<unsigned>(info.samplerate);
     recording->channels = static_cast<unsigned>(info.channels);
-    if (!readSamples(file.get(), info, recording->samples)) {
-        return failure(path, std::string("is damaged: ") + sf_strerror(file.get()));
-    }
+    readSamples(file.get(), info, recording->samples);
     if (recording->samples.empty()) {
         return failure(path, "holds no sound.");
     }
-    return {recording, ""};
+    return {recording, "", shortfall(*recording, info)};
 }
 
 /// Length of the printable UTF-8 character at the front of `text`; 0 when there is none.

@@ -11,14 +11,16 @@ namespace host {
 struct ReadResult {
     std::shared_ptr<const Recording> recording; // null when the file could not be read
     std::string problem;                        // one sentence for the user, in valid UTF-8
+    std::string warning;                        // one, when less could be read than promised
 };
 
 /// Reads a whole recording: WAV, FLAC, AIFF and whatever else libsndfile decodes, at any rate and
 /// with any number of channels. Blocks while reading. [any]
 ///
 /// Only regular files are opened, so a pipe or a device never makes it wait. A file that ends
-/// before its header says so is read as far as it goes; one that holds no sample, that is damaged
-/// in a way the decoder reports, or that does not fit into memory is a problem.
+/// early or is damaged in the middle is read as far as it goes, with a warning where the decoder
+/// still knows the promised length (FLAC; a cut WAV or AIFF file just looks shorter). One that
+/// holds no sample, or that does not fit into memory, is a problem.
 ///
 /// @param path  Bytes as the system knows them, in any encoding or none.
 ReadResult readAudioFile(const std::string& path);

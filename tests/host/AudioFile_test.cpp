@@ -115,6 +115,7 @@ TEST_F(AudioFileTest, ReadsEveryFormatChannelCountAndRate)
             readAudioFile(writeSound(row.name, row.format, row.rate, row.channels, samples));
         ASSERT_NE(result.recording, nullptr) << result.problem;
         EXPECT_EQ(result.problem, "");
+        EXPECT_EQ(result.warning, "");
         EXPECT_EQ(result.recording->path, path(row.name));
         EXPECT_EQ(result.recording->sampleRate, static_cast<unsigned>(row.rate));
         EXPECT_EQ(result.recording->channels, static_cast<unsigned>(row.channels));
@@ -229,6 +230,21 @@ TEST_F(AudioFileTest, FileThatEndsEarlyIsReadAsFarAsItGoes)
     ASSERT_NE(result.recording, nullptr) << result.problem;
     EXPECT_EQ(result.recording->samples,
               std::vector<float>(samples.begin(), samples.begin() + 5000));
+}
+
+TEST_F(AudioFileTest, ShortfallThatTheDecoderKnowsIsTold)
+{
+    const auto file =
+        writeSound("cut.flac", SF_FORMAT_FLAC | SF_FORMAT_PCM_16, 44100, 1, staircase(1, 100000));
+    fs::resize_file(file, fs::file_size(file) / 2);
+    const ReadResult result = readAudioFile(file);
+    ASSERT_NE(result.recording, nullptr) << result.problem;
+    EXPECT_EQ(result.problem, "");
+    const auto frames = result.recording->frames();
+    EXPECT_GT(frames, 0U);
+    EXPECT_LT(frames, 100000U);
+    EXPECT_EQ(result.warning, quotedPath(file) + " is damaged: only the first " +
+                                  std::to_string(frames) + " of 100000 frames could be read.");
 }
 
 // ---- paths for people

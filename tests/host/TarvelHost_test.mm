@@ -105,6 +105,20 @@ protected:
         return std::system(command.c_str()) == 0 ? contents(path("window")) : "";
     }
 
+    void startWithSample()
+    {
+        start({"--bundle", TEST_VIEW_BUNDLE, SAMPLE_RECORDING});
+        ASSERT_NE(waitForWindow("sample.flac — Tarvel"), "") << errors();
+    }
+
+    void expectEndByKey(const std::string& key)
+    {
+        ASSERT_EQ(std::system(("xdotool key " + key).c_str()), 0);
+        const int ended = status();
+        EXPECT_TRUE(WIFEXITED(ended));
+        EXPECT_EQ(WEXITSTATUS(ended), 0);
+    }
+
     pid_t m_process = 0;
 
 private:
@@ -181,23 +195,15 @@ TEST_F(TarvelHostTest, SnapshotThatCannotBeWrittenFails)
 TEST_F(TarvelHostTest, OpensARecordingAndQuitsByKey)
 {
     REQUIRE_DISPLAY();
-    start(withTestView({SAMPLE_RECORDING}));
-    ASSERT_NE(waitForWindow("sample.flac — Tarvel"), "") << errors();
-    ASSERT_EQ(std::system("xdotool key super+q"), 0);
-    const int ended = status();
-    EXPECT_TRUE(WIFEXITED(ended));
-    EXPECT_EQ(WEXITSTATUS(ended), 0);
+    startWithSample();
+    expectEndByKey("super+q");
 }
 
 TEST_F(TarvelHostTest, EndsWhenItsWindowCloses)
 {
     REQUIRE_DISPLAY();
-    start(withTestView({SAMPLE_RECORDING}));
-    ASSERT_NE(waitForWindow("sample.flac — Tarvel"), "") << errors();
-    ASSERT_EQ(std::system("xdotool key super+w"), 0);
-    const int ended = status();
-    EXPECT_TRUE(WIFEXITED(ended));
-    EXPECT_EQ(WEXITSTATUS(ended), 0);
+    startWithSample();
+    expectEndByKey("super+w");
 }
 
 // The view raises in every mouse-down.
@@ -213,17 +219,13 @@ TEST_F(TarvelHostTest, ExceptionInAnEditorIsReportedAndSurvived)
     EXPECT_TRUE(gui_test::pumpUntil([this] {
         return errors().find("tarvel-host: TestException: do not touch") != std::string::npos;
     })) << errors();
-    ASSERT_EQ(std::system("xdotool key super+q"), 0);
-    const int ended = status();
-    EXPECT_TRUE(WIFEXITED(ended));
-    EXPECT_EQ(WEXITSTATUS(ended), 0);
+    expectEndByKey("super+q");
 }
 
 TEST_F(TarvelHostTest, TerminationSignalEndsItAtOnce)
 {
     REQUIRE_DISPLAY();
-    start(withTestView({SAMPLE_RECORDING}));
-    ASSERT_NE(waitForWindow("sample.flac — Tarvel"), "") << errors();
+    startWithSample();
     kill(m_process, SIGTERM);
     const int ended = status();
     EXPECT_TRUE(WIFSIGNALED(ended));
