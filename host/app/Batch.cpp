@@ -67,6 +67,9 @@ private:
         if (read.recording == nullptr) {
             return read.problem;
         }
+        if (!read.warning.empty()) { // nobody is there to judge what is left of it
+            return read.warning;
+        }
         try {
             return process(read.recording);
         } catch (const std::bad_alloc&) {

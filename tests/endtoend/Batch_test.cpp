@@ -210,6 +210,17 @@ void truncate(const std::string& file)
     std::filesystem::resize_file(file, std::filesystem::file_size(file) * 2 / 3);
 }
 
+/// Frames that can be read of a file.
+sf_count_t framesLeft(const std::string& path)
+{
+    SF_INFO info{};
+    SNDFILE* const file = sf_open(path.c_str(), SFM_READ, &info);
+    std::vector<int> samples(static_cast<std::size_t>(info.frames * info.channels));
+    const sf_count_t frames = sf_readf_int(file, samples.data(), info.frames);
+    sf_close(file);
+    return frames;
+}
+
 Words with(Words words, const Words& more)
 {
     words.insert(words.end(), more.begin(), more.end());
@@ -247,14 +258,15 @@ TEST_F(BatchProgramTest, TwoHundredFilesSomeOfThemBad)
         files.push_back(file);
         writeSound(file, sound);
         switch (number) {
-        case 12: // 16 bits, one channel: ends early, and what is there is trimmed
+        case 12: // WAV with 2044 bytes
             truncate(file);
-            expected[name] = slowResult(readSound<int>(file), kind.bits);
-            EXPECT_LT(readSound<int>(file).samples.size(), 1000U);
+            failsWith(file, "is damaged: its last 682 bytes are missing.");
             continue;
-        case 19: // FLAC
+        case 19: // FLAC, of which some blocks are left
+            writeSound(file, makeSound(kind, number, 30000));
             truncate(file);
-            failsWith(file, "is damaged: Error : flac decoder lost sync.");
+            failsWith(file, "is damaged: only the first " + std::to_string(framesLeft(file)) +
+                                " of 30000 frames could be read.");
             continue;
         case 63:
             m_folder.write("in/" + name, "");
@@ -278,7 +290,7 @@ TEST_F(BatchProgramTest, TwoHundredFilesSomeOfThemBad)
     const std::string lines = output();
     EXPECT_EQ(std::count(lines.begin(), lines.end(), '\n'),
               static_cast<std::ptrdiff_t>(expected.size()));
-    EXPECT_EQ(expected.size(), 196U);
+    EXPECT_EQ(expected.size(), 195U);
     EXPECT_EQ(m_folder.names("out").size(), expected.size() + 1); // and the folder
     for (const auto& [name, samples] : expected) {
         SCOPED_TRACE(name);
