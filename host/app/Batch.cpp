@@ -86,7 +86,7 @@ private:
         }
         const TrimEngine engine(recording);
         const TrimPlan plan = engine.plan(settingsFor(m_options, recording->sampleRate));
-        const std::string problem = write(engine, plan, name);
+        std::string problem = write(engine, plan, name);
         if (problem.empty()) {
             m_names.insert(name);
             report(*recording, plan);
