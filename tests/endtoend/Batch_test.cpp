@@ -109,7 +109,7 @@ protected:
     std::string output() const { return TemporaryFolder::contents(path("stdout")); }
     std::string errors() const { return TemporaryFolder::contents(path("stderr")); }
 
-    TemporaryFolder m_folder{"batch-program"};
+    TemporaryFolder m_folder;
     pid_t m_process = 0;
 
 private:

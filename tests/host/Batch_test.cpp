@@ -68,7 +68,7 @@ protected:
     std::string out() const { return m_out.str(); }
     std::string err() const { return m_err.str(); }
 
-    TemporaryFolder m_folder{"batch"};
+    TemporaryFolder m_folder;
 
 private:
     std::ostringstream m_out;

@@ -22,7 +22,7 @@ class PendingFileTest : public testing::TestWithParam<Naming> {
 protected:
     std::string path(const std::string& name) const { return m_folder.path(name); }
 
-    TemporaryFolder m_folder{"pending-file"};
+    TemporaryFolder m_folder;
 };
 
 INSTANTIATE_TEST_SUITE_P(Namings, PendingFileTest,

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
@@ -8,37 +10,40 @@
 #include <string>
 #include <vector>
 
-/// A folder that goes with its test.
+/// A new folder below the system's temporary folder, removed with all its contents at the end.
 class TemporaryFolder {
 public:
-    explicit TemporaryFolder(const std::string& name)
+    TemporaryFolder()
     {
-        std::string pattern =
-            (std::filesystem::temp_directory_path() / (name + "-XXXXXX")).string();
-        m_path = mkdtemp(pattern.data());
+        std::string path = std::filesystem::temp_directory_path() / "tarvel-test-XXXXXX";
+        EXPECT_NE(mkdtemp(path.data()), nullptr) << path;
+        m_path = path;
     }
     ~TemporaryFolder()
     {
-        std::error_code ignored;
-        std::filesystem::remove_all(m_path, ignored);
+        std::error_code error;
+        std::filesystem::remove_all(m_path, error);
     }
     TemporaryFolder(const TemporaryFolder&) = delete;
     TemporaryFolder& operator=(const TemporaryFolder&) = delete;
 
-    std::string path(const std::string& name) const { return m_path + "/" + name; }
-    const std::string& path() const { return m_path; }
+    /// The folder, or an entry of it. Names are bytes.
+    const std::filesystem::path& path() const { return m_path; }
+    std::filesystem::path operator/(const std::string& name) const { return m_path / name; }
+    std::string path(const std::string& name) const { return (m_path / name).string(); }
 
-    /// Names of everything in a folder below this one, hidden files too, in order.
-    std::vector<std::string> names(const std::string& folder = "") const
+    /// Names of everything in the folder or in one below it, hidden files too, in order.
+    std::vector<std::string> names(const std::string& below = "") const
     {
         std::vector<std::string> names;
-        for (const auto& entry : std::filesystem::directory_iterator(path(folder))) {
+        for (const auto& entry : std::filesystem::directory_iterator(m_path / below)) {
             names.push_back(entry.path().filename().string());
         }
         std::sort(names.begin(), names.end());
         return names;
     }
 
+    /// Writes a file of the folder; its path.
     std::string write(const std::string& name, const std::string& bytes) const
     {
         std::ofstream(path(name), std::ios::binary) << bytes;
@@ -52,5 +57,5 @@ public:
     }
 
 private:
-    std::string m_path;
+    std::filesystem::path m_path;
 };
