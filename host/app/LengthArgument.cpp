@@ -77,25 +77,32 @@ std::vector<std::uint64_t> fieldsOf(const std::wstring& text, bool inPairs)
     return fields;
 }
 
-/// Whether a time of fields up to hours, the last of which is `lastIsFrames`, is within a day. The
-/// kernel's labels start again there.
-bool isWithinDay(std::vector<std::uint64_t> fields, bool lastIsFrames)
+/// Whether seconds and larger fields stay within a day, where the kernel's labels start again.
+bool isWithinDay(const std::vector<std::uint64_t>& fields, std::uint64_t moreSeconds)
 {
-    if (lastIsFrames) {
-        fields.pop_back();
-    }
     std::uint64_t seconds = 0;
     for (const std::uint64_t field : fields) {
         seconds = seconds * 60 + field;
     }
-    return seconds < kSecondsOfDay;
+    return seconds + moreSeconds < kSecondsOfDay;
 }
 
-bool isLabelWithinDay(std::wstring text)
+bool isLabelWithinDay(const XePosFmt& format, std::wstring text)
 {
     text = text.substr(0, text.find(L'*'));
     const bool inPairs = text.find_first_not_of(L"0123456789") == text.npos;
-    return isWithinDay(fieldsOf(text, inPairs), true);
+    std::vector<std::uint64_t> fields = fieldsOf(text, inPairs);
+    const auto secondsOfFrames =
+        static_cast<std::uint64_t>(static_cast<double>(fields.back()) / format.frameRate());
+    fields.pop_back();
+    return isWithinDay(fields, secondsOfFrames);
+}
+
+template <typename Read>
+std::optional<double> readLabel(const XePosFmt& format, const std::wstring& text, Read read)
+{
+    return isLabelWithinDay(format, text) ? std::optional(static_cast<double>(read()))
+                                          : std::nullopt;
 }
 
 std::wstring showLabel(const XePosFmt& format, std::uint64_t step, LengthKind)
@@ -110,7 +117,7 @@ constexpr Notation kClock = {
     kMostDigitsOfField,
     [](const XePosFmt& format, const std::wstring& text, LengthKind,
        unsigned rate) -> std::optional<double> {
-        if (!isWithinDay(fieldsOf(text.substr(0, text.find(L'.')), false), false)) {
+        if (!isWithinDay(fieldsOf(text.substr(0, text.find(L'.')), false), 0)) {
             return std::nullopt;
         }
         // The kernel's milliseconds are whole, the typed ones need not be.
@@ -131,10 +138,9 @@ constexpr Notation kTimeCode = {
     kMostDigitsOfField,
     [](const XePosFmt& format, const std::wstring& text, LengthKind,
        unsigned rate) -> std::optional<double> {
-        if (!isLabelWithinDay(text)) {
-            return std::nullopt;
-        }
-        return static_cast<double>(format.smpteToPosition(rate, format.smpteFromString(text)));
+        return readLabel(format, text, [&] {
+            return format.smpteToPosition(rate, format.smpteFromString(text));
+        });
     },
     showLabel,
     frameRateOf,
@@ -146,11 +152,9 @@ constexpr Notation kTimeAndFrames = {
     kMostDigitsOfField,
     [](const XePosFmt& format, const std::wstring& text, LengthKind,
        unsigned rate) -> std::optional<double> {
-        if (!isLabelWithinDay(text)) {
-            return std::nullopt;
-        }
-        return static_cast<double>(
-            format.hmsfToPosition(rate, format.frameRate(), format.hmsfFromString(text)));
+        return readLabel(format, text, [&] {
+            return format.hmsfToPosition(rate, format.frameRate(), format.hmsfFromString(text));
+        });
     },
     showLabel,
     frameRateOf,

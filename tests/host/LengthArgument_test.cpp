@@ -147,8 +147,8 @@ TEST(LengthArgument, FormatsRefuseWhatBelongsToOthers)
 // Labels start again after a day, so a longer one would mean something else.
 TEST(LengthArgument, TimesOfADayAndMoreAreRefused)
 {
-    for (const char* const text :
-         {"24:00:00:00", "24000000", "23:59:60:00", "0:1440:00:00", "0:0:86400:0", "99999999"}) {
+    for (const char* const text : {"24:00:00:00", "24000000", "23:59:60:00", "0:1440:00:00",
+                                   "0:0:86400:0", "99999999", "0:0:0:999999999", "0:9999999"}) {
         EXPECT_EQ(read(text, zqposfmt_smpte_25), std::nullopt) << text;
         EXPECT_EQ(read(text, zqposfmt_frames_75), std::nullopt) << text;
     }
