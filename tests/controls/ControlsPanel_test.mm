@@ -127,6 +127,17 @@ TEST_F(ControlsPanelTest, RadioClickReachesTheConnectedTarget)
     EXPECT_EQ([m_counter count], 1);
 }
 
+TEST_F(ControlsPanelTest, PopUpNamesItselfAsTheSenderBeforeItIsDrawn)
+{
+    CurvePopUpButton* const curves = find<CurvePopUpButton>([CurvePopUpButton class]);
+    EXPECT_EQ([[curves cell] controlView], curves);
+    [curves setTarget:m_counter];
+    [curves setAction:@selector(act:)];
+    [[curves menu] performActionForItemAtIndex:2];
+    EXPECT_EQ([m_counter count], 1);
+    EXPECT_EQ([m_counter lastSender], curves);
+}
+
 TEST_F(ControlsPanelTest, ButtonIsPushedByClickAndBySpace)
 {
     XeButton* const button = find<XeButton>([XeButton class]);
