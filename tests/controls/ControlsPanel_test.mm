@@ -119,6 +119,23 @@ TEST_F(ControlsPanelTest, TypedValuesReachTheConnectedTarget)
     EXPECT_EQ([[m_counter lastValue] doubleValue], 50);
 }
 
+// A matrix keeps the window's field editor for a cell that can be selected, and ends its editing
+// once more when it goes; by then the window may be gone.
+TEST_F(ControlsPanelTest, RadioCellsAreNotForEditing)
+{
+    XeRadioMatrix* const matrix = find<XeRadioMatrix>([XeRadioMatrix class]);
+    ASSERT_EQ([[matrix cells] count], 2U);
+    for (NSCell* cell in [matrix cells]) {
+        EXPECT_FALSE([cell isEditable]);
+        EXPECT_FALSE([cell isSelectable]);
+        [cell setEditable:YES];
+        EXPECT_FALSE([cell isSelectable]);
+    }
+    [m_window makeFirstResponder:matrix];
+    [matrix selectText:nil];
+    EXPECT_EQ([m_window firstResponder], matrix);
+}
+
 TEST_F(ControlsPanelTest, RadioClickReachesTheConnectedTarget)
 {
     XeRadioMatrix* const matrix = find<XeRadioMatrix>([XeRadioMatrix class]);
