@@ -5,11 +5,13 @@
 /// Target of a control: remembers what it was sent.
 @interface ActionCounter : NSObject {
     int m_count;
-    id m_lastValue; // retained objectValue of the last sender
+    id m_lastValue;  // retained objectValue of the last sender
+    id m_lastSender; // not retained
 }
 - (void)act:(id)sender;
 - (int)count;
 - (id)lastValue;
+- (id)lastSender;
 @end
 
 /// A window with one control in it, which sends its action to a counter. [main]

@@ -11,6 +11,7 @@
 - (void)act:(id)sender
 {
     ++m_count;
+    m_lastSender = sender;
     [m_lastValue release];
     m_lastValue = [[sender objectValue] retain];
 }
@@ -23,6 +24,11 @@
 - (id)lastValue
 {
     return m_lastValue;
+}
+
+- (id)lastSender
+{
+    return m_lastSender;
 }
 
 @end

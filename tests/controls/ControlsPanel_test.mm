@@ -119,12 +119,40 @@ TEST_F(ControlsPanelTest, TypedValuesReachTheConnectedTarget)
     EXPECT_EQ([[m_counter lastValue] doubleValue], 50);
 }
 
+// A matrix keeps the window's field editor for a cell that can be selected, and ends its editing
+// once more when it goes; by then the window may be gone.
+TEST_F(ControlsPanelTest, RadioCellsAreNotForEditing)
+{
+    XeRadioMatrix* const matrix = find<XeRadioMatrix>([XeRadioMatrix class]);
+    ASSERT_EQ([[matrix cells] count], 2U);
+    for (NSCell* cell in [matrix cells]) {
+        EXPECT_FALSE([cell isEditable]);
+        EXPECT_FALSE([cell isSelectable]);
+        [cell setEditable:YES];
+        EXPECT_FALSE([cell isSelectable]);
+    }
+    [m_window makeFirstResponder:matrix];
+    [matrix selectText:nil];
+    EXPECT_EQ([m_window firstResponder], matrix);
+}
+
 TEST_F(ControlsPanelTest, RadioClickReachesTheConnectedTarget)
 {
     XeRadioMatrix* const matrix = find<XeRadioMatrix>([XeRadioMatrix class]);
     gui_test::drag(m_window, {[matrix convertPoint:NSMakePoint(80, 11) toView:nil]});
     EXPECT_EQ([matrix selectedColumn], 1);
     EXPECT_EQ([m_counter count], 1);
+}
+
+TEST_F(ControlsPanelTest, PopUpNamesItselfAsTheSenderBeforeItIsDrawn)
+{
+    CurvePopUpButton* const curves = find<CurvePopUpButton>([CurvePopUpButton class]);
+    EXPECT_EQ([[curves cell] controlView], curves);
+    [curves setTarget:m_counter];
+    [curves setAction:@selector(act:)];
+    [[curves menu] performActionForItemAtIndex:2];
+    EXPECT_EQ([m_counter count], 1);
+    EXPECT_EQ([m_counter lastSender], curves);
 }
 
 TEST_F(ControlsPanelTest, ButtonIsPushedByClickAndBySpace)

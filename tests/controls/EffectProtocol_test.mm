@@ -5,7 +5,6 @@
 
 #include <gmock/gmock.h>
 
-#include <algorithm>
 #include <fstream>
 #include <map>
 #include <string>
@@ -182,9 +181,7 @@ protected:
     // the view show the value, which calls nothing.
     void expectScenario(const std::string& heading)
     {
-        Lines calls = m_log->take();
-        calls.erase(std::unique(calls.begin(), calls.end()), calls.end());
-        EXPECT_EQ(calls, documented("calls")[heading]);
+        EXPECT_EQ(m_log->take(), documented("calls")[heading]);
         audiounit_compat::deliverAll();
         EXPECT_EQ(m_recorder->take(), documented("heard")[heading]);
         EXPECT_THAT(m_log->take(), testing::IsEmpty()) << "the echo was written back";

@@ -1,6 +1,8 @@
 #include "LengthText.h"
 
+#include <cmath>
 #include <cstdint>
+#include <cstdio>
 #include <gtest/gtest.h>
 #include <limits>
 #include <string>
@@ -64,32 +66,108 @@ TEST(LengthText, RendersZeroInEveryFormat)
     }
 }
 
-// What is shown is parsed to the first sample that shows it, in every format, at every rate.
-TEST(LengthText, ParsesWhatItRendersToTheFirstSampleShownSo)
+constexpr double kRates[] = {8000, 44100, 44056, 48000, 96000, 192000, 48000 / 1.001};
+
+std::vector<std::int64_t> countsOfAllSizes()
 {
-    const double rates[] = {8000, 44100, 44056, 48000, 96000, 192000, 48000 / 1.001};
-    std::vector<std::int64_t> values = {0, 1, 2, 43, 44, 45, 441, 1471, 1472, 1601, 1602, 44099};
+    std::vector<std::int64_t> counts = {0,   1,   2,    22,   23,   43,   44,   45,
+                                        220, 441, 1471, 1472, 1601, 1602, 44099};
     for (int shift = 16; shift <= 40; ++shift) {
         for (const std::int64_t offset : {-1, 0, 1, 777}) {
-            values.push_back((std::int64_t{1} << shift) + offset);
+            counts.push_back((std::int64_t{1} << shift) + offset);
         }
     }
-    for (const double rate : rates) {
+    return counts;
+}
+
+void expectSameTextBack(const LengthText& text, std::int64_t samples)
+{
+    const _XeString<wchar_t> shown = text.render(samples);
+    const auto parsed = text.parse(shown);
+    ASSERT_TRUE(parsed);
+    ASSERT_EQ(narrow(text.render(*parsed)), narrow(shown));
+    ASSERT_EQ(text.parse(text.render(*parsed)), parsed);
+}
+
+TEST(LengthText, TextsAreParsedToACountThatShowsTheSameText)
+{
+    for (const double rate : kRates) {
         for (unsigned type = 0; type < 23; ++type) {
-            LengthText text = makeText(type, rate);
-            for (const std::int64_t samples : values) {
+            const LengthText text = makeText(type, rate);
+            for (const std::int64_t samples : countsOfAllSizes()) {
+                SCOPED_TRACE(testing::Message()
+                             << "type " << type << " rate " << rate << " samples " << samples);
+                expectSameTextBack(text, samples);
+            }
+        }
+    }
+}
+
+bool isDecimal(unsigned type)
+{
+    return type == zqposfmt_time_ms || type == zqposfmt_seconds || type == zqposfmt_frames;
+}
+
+// A label stands for the time from its first sample on.
+TEST(LengthText, LabelsAreParsedToTheFirstSampleShownSo)
+{
+    for (const double rate : kRates) {
+        for (unsigned type = 0; type < 23; ++type) {
+            const LengthText text = makeText(type, rate);
+            for (const std::int64_t samples : countsOfAllSizes()) {
+                if (isDecimal(type)) {
+                    continue;
+                }
                 const _XeString<wchar_t> shown = text.render(samples);
                 SCOPED_TRACE(testing::Message() << "type " << type << " rate " << rate
                                                 << " samples " << samples << " " << narrow(shown));
                 const auto parsed = text.parse(shown);
                 ASSERT_TRUE(parsed);
                 ASSERT_LE(*parsed, samples);
-                ASSERT_EQ(text.render(*parsed), shown);
-                ASSERT_EQ(text.parse(text.render(*parsed)), parsed);
                 if (*parsed > 0) {
                     ASSERT_NE(text.render(*parsed - 1), shown);
                 }
             }
+        }
+    }
+}
+
+// Milliseconds, and frames with three decimals, are rounded like any number.
+TEST(LengthText, DecimalsAreParsedToWithinHalfADigit)
+{
+    const struct {
+        unsigned type;
+        double digitsPerSecond;
+    } rows[] = {{zqposfmt_time_ms, 1000}, {zqposfmt_seconds, 1000}, {zqposfmt_frames, 75000}};
+    for (const double rate : kRates) {
+        for (const auto& row : rows) {
+            const LengthText text = makeText(row.type, rate);
+            const double halfDigit = 0.5 * rate / row.digitsPerSecond;
+            for (const std::int64_t samples : countsOfAllSizes()) {
+                SCOPED_TRACE(testing::Message()
+                             << "type " << row.type << " rate " << rate << " samples " << samples);
+                const auto parsed = text.parse(text.render(samples));
+                ASSERT_TRUE(parsed);
+                // Half a digit from the count to the text, half a sample from there back.
+                ASSERT_LE(std::abs(static_cast<double>(*parsed - samples)), halfDigit + 0.5001);
+            }
+        }
+    }
+}
+
+// The effect keeps milliseconds and the editor cuts them to whole samples.
+TEST(LengthText, WholeMillisecondsCutToSamplesShowAsThemselves)
+{
+    for (const double rate : {44100.0, 48000.0, 88200.0, 96000.0, 192000.0}) {
+        const LengthText clock = makeText(zqposfmt_time_ms, rate);
+        const LengthText seconds = makeText(zqposfmt_seconds, rate);
+        for (int ms = 0; ms < 1000; ++ms) {
+            SCOPED_TRACE(testing::Message() << ms << " ms at " << rate);
+            char number[16];
+            std::snprintf(number, sizeof number, "0.%03d", ms);
+            const auto samples = static_cast<std::int64_t>(ms * rate / 1000);
+            ASSERT_EQ(rendered(seconds, samples), number);
+            ASSERT_EQ(rendered(clock, samples), "00:00:0" + std::string(number));
         }
     }
 }
@@ -135,8 +213,12 @@ TEST(LengthText, PlacesLabelsWherePosFmtDoes)
 TEST(LengthText, MillisecondsOfThe44100Grid)
 {
     const LengthText text = makeText(zqposfmt_time_ms);
-    EXPECT_EQ(rendered(text, 43), "00:00:00.000");
-    EXPECT_EQ(rendered(text, 44), "00:00:00.001");
+    EXPECT_EQ(rendered(text, 22), "00:00:00.000");
+    EXPECT_EQ(rendered(text, 23), "00:00:00.001");
+    EXPECT_EQ(rendered(text, 66), "00:00:00.001");
+    EXPECT_EQ(rendered(text, 67), "00:00:00.002");
+    EXPECT_EQ(rendered(text, 220), "00:00:00.005");
+    EXPECT_EQ(rendered(text, -220), "-00:00:00.005");
     EXPECT_EQ(text.parse(L"0.005"), 221); // 220.5 lies between two samples
 }
 
@@ -462,6 +544,29 @@ TEST(LengthText, StepsStayOnTheGrid)
         samples = text.step(samples, shown, 0, shown.size(), -1).samples;
     }
     EXPECT_EQ(samples, 0);
+}
+
+// A step starts from the point that is shown, though its sample may lie after the count.
+TEST(LengthText, StepsOfDecimalsMoveByOnePointFromTheOneShown)
+{
+    const LengthText text = makeText(zqposfmt_time_ms);
+    const struct {
+        std::int64_t from;
+        int direction;
+        std::int64_t to;
+        const char* shown;
+    } rows[] = {{220, 1, 265, "00:00:00.006"},
+                {220, -1, 176, "00:00:00.004"},
+                {221, 1, 265, "00:00:00.006"},
+                {221, -1, 176, "00:00:00.004"},
+                {-220, 1, -176, "-00:00:00.004"}};
+    for (const auto& row : rows) {
+        SCOPED_TRACE(testing::Message() << row.from << " by " << row.direction);
+        const auto shown = text.render(row.from);
+        const LengthText::Step step = text.step(row.from, shown, shown.size(), 0, row.direction);
+        EXPECT_EQ(step.samples, row.to);
+        EXPECT_EQ(rendered(text, step.samples), row.shown);
+    }
 }
 
 TEST(LengthText, StepsStopAtZeroAndAtTheEndsOfTheRange)

@@ -22,9 +22,11 @@ using SliderLog = std::vector<std::string>;
 /// keys that the slider passes on.
 @interface SliderListener : NSResponder {
     SliderLog* m_log; // not owned
+    id m_reply;
 }
 - (id)initWithLog:(SliderLog*)log;
-- (void)listenTo:(XeSlider*)slider; // as its target too
+- (void)replyToNextActionWith:(double)value; // sets the slider or its model
+- (void)listenTo:(XeSlider*)slider;          // as its target too
 - (void)sliderMoved:(id)sender;
 @end
 

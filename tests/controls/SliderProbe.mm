@@ -37,6 +37,7 @@ static std::string actionText(double value)
 - (void)dealloc
 {
     [[NSNotificationCenter defaultCenter] removeObserver:self];
+    [m_reply release];
     [super dealloc];
 }
 
@@ -55,9 +56,26 @@ static std::string actionText(double value)
                  object:slider];
 }
 
+- (void)replyToNextActionWith:(double)value
+{
+    [m_reply release];
+    m_reply = [@(value) retain];
+}
+
 - (void)sliderMoved:(id)sender
 {
     m_log->push_back(actionText([sender doubleValue]));
+    NSNumber* const reply = [m_reply autorelease];
+    m_reply = nil;
+    if (reply == nil) {
+        return;
+    }
+    SliderModel* const model = [[sender getValueBinding] objectForKey:NSObservedObjectKey];
+    if (model != nil) {
+        [model setLevel:[reply doubleValue]];
+    } else {
+        [sender setDoubleValue:[reply doubleValue]];
+    }
 }
 
 - (void)keyDown:(NSEvent*)event

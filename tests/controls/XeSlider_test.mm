@@ -15,8 +15,10 @@ using gui_test::centerOf;
 using gui_test::drag;
 using gui_test::mouseEvent;
 using gui_test::pressKey;
+using testing::Contains;
 using testing::Each;
 using testing::ElementsAre;
+using testing::Not;
 using testing::StartsWith;
 
 namespace {
@@ -416,6 +418,54 @@ TEST_F(SliderMouse, ClickThatMovesNothingIsAnnouncedToo)
     EXPECT_EQ(m_log.front(), "down");
     EXPECT_EQ(m_log.back(), "hook");
     EXPECT_EQ(std::count(m_log.begin(), m_log.end(), "up"), 1);
+}
+
+TEST_F(SliderMouse, ClickThatMovesNothingSendsItsValueOnce)
+{
+    setValue(1000);
+    drag(m_window, {NSMakePoint(213, 32), NSMakePoint(213, 32)});
+    EXPECT_THAT(m_log, ElementsAre("down", "action 1000", "up", "hook"));
+}
+
+TEST_F(SliderMouse, DragSendsEachOfItsValuesOnce)
+{
+    drag(m_window, {at(0.6), at(0.6), at(0.75), at(0.75)});
+    ASSERT_EQ(m_log.size(), 5u);
+    EXPECT_THAT(m_log[1], StartsWith("action "));
+    EXPECT_THAT(m_log[2], StartsWith("action "));
+    EXPECT_NE(m_log[1], m_log[2]);
+}
+
+// The press moves the knob and is answered with another value. Neither the pointer that rests then
+// nor the release sends that value.
+TEST_F(SliderMouse, ValueSetWhileThePointerRestsIsNotSentAndStays)
+{
+    [m_listener replyToNextActionWith:-800];
+    drag(m_window, {at(0.75), at(0.75)});
+    ASSERT_EQ(m_log.size(), 5u);
+    EXPECT_THAT(m_log[1], StartsWith("action "));
+    EXPECT_EQ(m_log[2], "hook");
+    EXPECT_EQ(m_log[3], "up");
+    EXPECT_EQ(value(), -800);
+}
+
+TEST_F(SliderMouse, DragGoesOnFromThePointerAfterAValueWasSet)
+{
+    [m_listener replyToNextActionWith:-800];
+    drag(m_window, {at(0.6), at(0.75)});
+    EXPECT_GT(value(), 300);
+    EXPECT_THAT(m_log, Not(Contains("action -800")));
+    EXPECT_THAT(m_log[m_log.size() - 3], StartsWith("action "));
+}
+
+TEST_F(SliderMouse, ChangeOfABoundModelIsNotWrittenBackByTheDrag)
+{
+    bindTo(@"level", 40);
+    [m_listener replyToNextActionWith:-800];
+    drag(m_window, {at(0.75), at(0.75)});
+    EXPECT_EQ(value(), -800);
+    EXPECT_EQ([m_model level], -800);
+    EXPECT_THAT(m_log, Not(Contains("action -800")));
 }
 
 TEST_F(SliderMouse, NotificationsCarryTheSliderAlone)

@@ -254,17 +254,21 @@ TEST_F(Use, AutomationShowsWhileASliderIsDraggedAndTheDragWins)
     OpenEditor& editor = open();
     useRealClock();
     float releaseWhileDragging = 0;
+    double attackWhileDragging = 0;
     later(0.25, [this] {
         automate(kTarvelParam_AttackThreshold, -57.25F);
         automate(kTarvelParam_ReleaseThreshold, -33);
     });
-    later(0.5,
-          [&] { releaseWhileDragging = static_cast<float>(editor.doubleValue("releaseSlider")); });
+    later(0.5, [&] {
+        releaseWhileDragging = static_cast<float>(editor.doubleValue("releaseSlider"));
+        attackWhileDragging = editor.doubleValue("attackSlider");
+    });
     NSString* const words =
         [NSString stringWithFormat:@"%@ sleep 0.7%@ sleep 0.1 mouseup 1",
                                    pressAt("attackSlider", 0.5, 1), moveTo("attackSlider", 0.7)];
     ASSERT_TRUE(run(words));
     EXPECT_EQ(releaseWhileDragging, -33);
+    EXPECT_EQ(attackWhileDragging, -57.25);
     EXPECT_NEAR(parameter(kTarvelParam_AttackThreshold), -18, 3); // where the mouse let go
     // The drag's own lines: the host's two are the only ones without a listener.
     std::vector<std::string> own = log().take();
@@ -274,10 +278,30 @@ TEST_F(Use, AutomationShowsWhileASliderIsDraggedAndTheDragWins)
     EXPECT_THAT(own, Contains(HasSubstr("end-gesture 1")));
     EXPECT_THAT(own, Each(Not(HasSubstr("global/0 object releaseSlider"))));
     EXPECT_THAT(own, Each(Not(HasSubstr("AUParameterSet listener 1 2"))));
+    EXPECT_THAT(own, Each(Not(HasSubstr("value -57.25"))));
     EXPECT_TRUE(gui_test::pumpUntil([&] {
         return std::abs(editor.doubleValue("attackSlider") -
                         double{parameter(kTarvelParam_AttackThreshold)}) < 1e-6;
     }));
+}
+
+// The pointer rests from the press to the release: what the host wrote last is what remains.
+TEST_F(Use, AutomationDuringADragThatRestsIsNotWrittenBack)
+{
+    OpenEditor& editor = open();
+    useRealClock();
+    later(0.25, [this] { automate(kTarvelParam_AttackThreshold, -57.25F); });
+    later(0.4, [this] { automate(kTarvelParam_AttackThreshold, -41.5F); });
+    ASSERT_TRUE(
+        run([pressAt("attackSlider", 0.5, 1) stringByAppendingString:@" sleep 0.7 mouseup 1"]));
+    EXPECT_EQ(parameter(kTarvelParam_AttackThreshold), -41.5F);
+    std::vector<std::string> own = log().take();
+    std::erase_if(
+        own, [](const std::string& line) { return line.find("no listener") != std::string::npos; });
+    EXPECT_THAT(own, Contains(HasSubstr("end-gesture 1")));
+    EXPECT_THAT(own, Each(Not(HasSubstr("value -57.25"))));
+    EXPECT_THAT(own, Each(Not(HasSubstr("value -41.5"))));
+    EXPECT_TRUE(gui_test::pumpUntil([&] { return editor.doubleValue("attackSlider") == -41.5; }));
 }
 
 TEST_F(Use, AutomationShowsWhileAPopUpIsOpenAndThePickWins)

@@ -12,6 +12,15 @@
     return [XePopUpButtonCell class];
 }
 
+// The cell names its control as the sender of the action. A decoded cell learns its control only
+// when the platform draws it, and the cells of the face draw themselves.
+- (id)initWithCoder:(NSCoder*)coder
+{
+    self = [super initWithCoder:coder];
+    [[self cell] setControlView:self];
+    return self;
+}
+
 - (BOOL)acceptsFirstResponder
 {
     return [self isEnabled];

@@ -6,6 +6,16 @@
 
 @implementation XeRadioCell
 
+- (BOOL)isEditable
+{
+    return NO;
+}
+
+- (BOOL)isSelectable
+{
+    return NO;
+}
+
 // Of a matrix with the keyboard, only the chosen cell shows it.
 - (BOOL)_isChosenIn:(NSView*)view
 {

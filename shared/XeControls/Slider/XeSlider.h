@@ -35,6 +35,8 @@ extern NSString* const XeSliderMouseUpNotification;
     double grandStep;
     double defaultValue;
     BOOL becomeFirstResponderOnClick;
+    BOOL m_isTracking;
+    double m_settledValue; // while tracking: sent already or set from outside; NaN before
 }
 
 @property (nonatomic) double tinyStep;     // 0.01 at first
@@ -62,8 +64,11 @@ extern NSString* const XeSliderMouseUpNotification;
 - (void)sliderChanged:(id)sender;
 
 /// Sets the value as NSSlider does, then sends valueDidChange. Sends no action and does not write
-/// to a bound object.
+/// to a bound object, also when the mouse is dragging the slider: see mouseDown:.
 - (void)setDoubleValue:(double)value;
+
+/// Sets the value as NSSlider does. This is how a bound object's changes arrive.
+- (void)setObjectValue:(id)value;
 
 /// What infoForBinding: tells of the value binding; nil without one.
 - (NSDictionary*)getValueBinding;
@@ -92,6 +97,11 @@ extern NSString* const XeSliderMouseUpNotification;
 /// is let go, then sends valueDidChange. A disabled slider posts them too; nothing moves between.
 /// Two clicks and more: sets defaultValue with setBoundObjectValue: and ends; no notification, no
 /// tracking.
+///
+/// While NSSlider tracks, the action is sent once for the value that was pressed on and once for
+/// each value that the mouse then gives the slider. A value set from outside meanwhile shows until
+/// the mouse moves on; it is never sent, not even by the release of the button, and stays if the
+/// mouse did not move again.
 - (void)mouseDown:(NSEvent*)event;
 
 @end

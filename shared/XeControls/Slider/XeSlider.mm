@@ -13,6 +13,8 @@
 #import <Foundation/NSString.h>
 #import <Foundation/NSValue.h>
 
+#include <limits>
+
 NSString* const XeSliderMouseDownNotification = @"XeSliderMouseDownNotification";
 NSString* const XeSliderMouseUpNotification = @"XeSliderMouseUpNotification";
 
@@ -120,7 +122,26 @@ NSString* _withoutSelfPrefix(NSString* keyPath)
 - (void)setDoubleValue:(double)value
 {
     [super setDoubleValue:value];
+    m_settledValue = [self doubleValue];
     [self valueDidChange];
+}
+
+- (void)setObjectValue:(id)value
+{
+    [super setObjectValue:value];
+    m_settledValue = [self doubleValue];
+}
+
+// NSSlider repeats its action for events that moved nothing, and once more when the button is let
+// go, whoever set the value since.
+- (BOOL)sendAction:(SEL)action to:(id)target
+{
+    const double value = [self doubleValue];
+    if (m_isTracking && value == m_settledValue) {
+        return NO;
+    }
+    m_settledValue = value;
+    return [super sendAction:action to:target];
 }
 
 - (NSDictionary*)getValueBinding
@@ -224,7 +245,10 @@ NSString* _withoutSelfPrefix(NSString* keyPath)
     }
     NSNotificationCenter* const center = [NSNotificationCenter defaultCenter];
     [center postNotificationName:XeSliderMouseDownNotification object:self];
+    m_settledValue = std::numeric_limits<double>::quiet_NaN();
+    m_isTracking = YES;
     [super mouseDown:event];
+    m_isTracking = NO;
     [center postNotificationName:XeSliderMouseUpNotification object:self];
     [self valueDidChange];
 }

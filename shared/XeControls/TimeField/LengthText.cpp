@@ -461,8 +461,17 @@ std::int64_t LengthText::_positionOf(double point) const
     return _clamped(m_sampleRate * point / _pointsPerSecond() + (roundsUp ? 0.999 : 0.5));
 }
 
-// The last point whose sample is not after `samples`, which is 0 or more; on a grid finer than the
-// samples, the nearest point.
+// Decimal numbers show the nearest point, as any rounded number does: the samples of a whole
+// millisecond are often a fraction of a sample short of it. So does a grid finer than the samples.
+bool LengthText::_showsNearest() const
+{
+    const Kind kind = _traits().kind;
+    return kind == Kind::Clock || kind == Kind::Seconds || kind == Kind::FrameNumber ||
+           _pointsPerSecond() > m_sampleRate;
+}
+
+// The point that is shown for `samples`, which is 0 or more: the nearest, or the last one whose
+// sample is not after them.
 double LengthText::_pointOf(std::int64_t samples) const
 {
     const double last = _lastPoint();
@@ -470,7 +479,7 @@ double LengthText::_pointOf(std::int64_t samples) const
     if (exact >= last) {
         return last;
     }
-    if (_pointsPerSecond() > m_sampleRate) {
+    if (_showsNearest()) {
         return std::round(exact);
     }
     double point = std::floor(exact);

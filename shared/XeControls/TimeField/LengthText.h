@@ -14,11 +14,16 @@
 ///     text.render(44100);     // "00:00:01.000"
 ///     text.parse(L"1.5");     // 66150
 ///
-/// A format has a grid: its frames, milliseconds, ticks, film frames. render() shows the last grid
-/// point that is not after the sample (the nearest where the grid is finer), parse() gives the
-/// sample of a grid point, so that what was rendered is parsed to the same sample whenever a grid
-/// point lies on it. Grid points fall on samples as XePosFmt places them: clock time to the nearest
-/// sample, frames rounded up.
+/// A format has a grid: its frames, milliseconds, ticks, film frames. parse() gives the sample of a
+/// grid point: frames, whole seconds and film rounded up, points of the other grids the nearest
+/// sample, as XePosFmt places them. render() shows a point for a sample:
+///
+///     the nearest            clock time with milliseconds, seconds, frames with decimals; also
+///                            where the grid is finer than the samples
+///     the last not after it  time code, whole seconds, measures, film
+///
+/// So 220 samples at 44100 Hz, what is left of 5 ms, show as "00:00:00.005". What was rendered is
+/// parsed to a count that shows the same text, and to the same count when a grid point lies on it.
 ///
 /// Negative counts render as the positive count with a "-" in front. Hours do not wrap at 24: a
 /// length of 25 hours is 25 hours. A count beyond what a format can show renders as the largest
@@ -120,6 +125,7 @@ private:
     double _pointsPerSecond() const;
     double _lastPoint() const;
     std::int64_t _positionOf(double point) const;
+    bool _showsNearest() const;
     double _pointOf(std::int64_t samples) const;
 
     _XeString<wchar_t> _renderPoint(double point) const;

@@ -27,21 +27,8 @@ void _localizeOnce()
 
 @implementation TarvelCocoaView
 
-// The cell of a pop-up names its control as the sender of the action. One that comes out of an
-// interface description may not know its control before the platform has drawn it, and these draw
-// themselves.
-- (void)_introducePopUpCells
-{
-    for (NSControl* control in [self subviews]) {
-        if ([control isKindOfClass:[NSPopUpButton class]]) {
-            [[control cell] setControlView:control];
-        }
-    }
-}
-
 - (void)awakeFromNib
 {
-    [self _introducePopUpCells];
     NSBundle* const bundle = [NSBundle bundleForClass:[self class]];
     NSImage* const pattern =
         [[NSImage alloc] initByReferencingFile:[bundle pathForImageResource:@"PluginPattern"]];
