@@ -53,6 +53,33 @@ void setFades(KeptRegion& region, std::uint64_t fadeIn, std::uint64_t fadeOut)
 
 double fadeGain(FadeCurve curve, double x) { return kCurves[static_cast<unsigned>(curve)](x); }
 
+template <typename Sample>
+void applyFades(const TrimPlan& plan, const KeptRegion& region, std::uint64_t offset,
+                std::uint64_t count, unsigned channels, Sample* samples)
+{
+    const auto scale = [channels, samples](std::uint64_t frame, double gain) {
+        Sample* const first = samples + frame * channels;
+        std::transform(first, first + channels, first,
+                       [gain](Sample sample) { return static_cast<Sample>(sample * gain); });
+    };
+    const std::uint64_t fadeInEnd = std::min(region.fadeIn, offset + count);
+    for (std::uint64_t frame = offset; frame < fadeInEnd; ++frame) {
+        const double x = static_cast<double>(frame) / static_cast<double>(region.fadeIn);
+        scale(frame - offset, fadeGain(plan.fadeInCurve, x));
+    }
+    const std::uint64_t fadeOutStart = std::max(region.frames() - region.fadeOut, offset);
+    for (std::uint64_t frame = fadeOutStart; frame < offset + count; ++frame) {
+        const auto left = static_cast<double>(region.frames() - 1 - frame);
+        scale(frame - offset,
+              fadeGain(plan.fadeOutCurve, left / static_cast<double>(region.fadeOut)));
+    }
+}
+
+template void applyFades(const TrimPlan&, const KeptRegion&, std::uint64_t, std::uint64_t, unsigned,
+                         float*);
+template void applyFades(const TrimPlan&, const KeptRegion&, std::uint64_t, std::uint64_t, unsigned,
+                         double*);
+
 std::uint64_t TrimPlan::frames() const
 {
     return std::accumulate(
@@ -244,22 +271,7 @@ void TrimEngine::renderRegion(const KeptRegion& region, const TrimPlan& plan, st
     const auto source = m_recording->samples.begin() +
                         static_cast<std::ptrdiff_t>((region.first + offset) * channels);
     std::copy_n(source, count * channels, out);
-    const auto scale = [channels, out](std::uint64_t frame, double gain) {
-        float* const samples = out + frame * channels;
-        std::transform(samples, samples + channels, samples,
-                       [gain](float sample) { return static_cast<float>(sample * gain); });
-    };
-    const std::uint64_t fadeInEnd = std::min(region.fadeIn, offset + count);
-    for (std::uint64_t frame = offset; frame < fadeInEnd; ++frame) {
-        const double x = static_cast<double>(frame) / static_cast<double>(region.fadeIn);
-        scale(frame - offset, fadeGain(plan.fadeInCurve, x));
-    }
-    const std::uint64_t fadeOutStart = std::max(region.frames() - region.fadeOut, offset);
-    for (std::uint64_t frame = fadeOutStart; frame < offset + count; ++frame) {
-        const auto left = static_cast<double>(region.frames() - 1 - frame);
-        scale(frame - offset,
-              fadeGain(plan.fadeOutCurve, left / static_cast<double>(region.fadeOut)));
-    }
+    applyFades(plan, region, offset, count, channels, out);
 }
 
 } // namespace host

@@ -39,6 +39,14 @@ struct TrimPlan {
 /// @param x  Place in the fade, 0 to 1. A fade-out is the mirror image.
 double fadeGain(FadeCurve curve, double x);
 
+/// Applies the fades of a kept region to part of it, in place. Sample is float or double.
+/// @param offset   First frame, counted from the start of the region.
+/// @param count    Frames, all of them within the region.
+/// @param samples  Interleaved samples of those frames.
+template <typename Sample>
+void applyFades(const TrimPlan& plan, const KeptRegion& region, std::uint64_t offset,
+                std::uint64_t count, unsigned channels, Sample* samples);
+
 /// Decides what is kept of a recording, and renders it.
 ///
 /// A frame is as loud as the loudest of its channels; a sample that is no number is silent. A
