@@ -125,14 +125,14 @@ void prepareFrameworks(const char* programName, double scale)
     [m_hostWindow exportDocument:sender];
 }
 
-- (void)undo:(id)sender
+- (void)undoEdit:(id)sender
 {
-    [m_hostWindow undo:sender];
+    [m_hostWindow undoEdit:sender];
 }
 
-- (void)redo:(id)sender
+- (void)redoEdit:(id)sender
 {
-    [m_hostWindow redo:sender];
+    [m_hostWindow redoEdit:sender];
 }
 
 - (void)editMusic:(id)sender

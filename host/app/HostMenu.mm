@@ -65,8 +65,8 @@ void installMainMenu()
                                        {@"Close", @selector(performClose:), @"w"},
                                    }));
     addMenu(bar, makeMenu(@"Edit", {
-                                       {@"Undo", @selector(undo:), @"z"},
-                                       {@"Redo", @selector(redo:), @"Z"},
+                                       {@"Undo", @selector(undoEdit:), @"z"},
+                                       {@"Redo", @selector(redoEdit:), @"Z"},
                                        {nil, nullptr, nil},
                                        {@"Cut", @selector(cut:), @"x"},
                                        {@"Copy", @selector(copy:), @"c"},

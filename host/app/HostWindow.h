@@ -43,7 +43,6 @@
     host::EditHistory m_history;
     host::RecentFiles* m_recentFiles; // not owned; null: not kept
     NSData* m_savedSettings;          // owned; what the file beside the recording holds
-    NSTimer* m_saveTimer;             // owned by the run loop; nil while nothing waits
 }
 
 /// Makes the window with an effect that has no recording yet, and opens its editor.
@@ -72,11 +71,12 @@
 /// Writes settings that have changed since they were read or written.
 - (void)saveSettings;
 
-/// Actions of menus and buttons.
+/// Actions of menus and buttons. Undo and Redo have names of their own: a field that is edited
+/// would answer the usual ones.
 - (void)openDocument:(id)sender;
 - (void)exportDocument:(id)sender;
-- (void)undo:(id)sender;
-- (void)redo:(id)sender;
+- (void)undoEdit:(id)sender;
+- (void)redoEdit:(id)sender;
 - (void)editMusic:(id)sender;
 
 /// Titles that tell what would be undone, and whether an action can be carried out now.

@@ -239,30 +239,23 @@ const char* parameterName(AudioUnitParameterID parameter) { return findParameter
     return problem;
 }
 
+// Not while a control or a menu has the mouse: the default mode runs when it has let go.
 - (void)_saveSoon
 {
-    [m_saveTimer invalidate];
-    m_saveTimer = [NSTimer timerWithTimeInterval:kSaveSeconds
-                                          target:self
-                                        selector:@selector(_saveTimerFired:)
-                                        userInfo:nil
-                                         repeats:NO];
-    for (NSString* mode in
-         @[ NSDefaultRunLoopMode, NSEventTrackingRunLoopMode, NSModalPanelRunLoopMode ]) {
-        [[NSRunLoop currentRunLoop] addTimer:m_saveTimer forMode:mode];
-    }
+    [self _cancelSaving];
+    [self performSelector:@selector(saveSettings) withObject:nil afterDelay:kSaveSeconds];
 }
 
-- (void)_saveTimerFired:(NSTimer*)timer
+- (void)_cancelSaving
 {
-    m_saveTimer = nil;
-    [self saveSettings];
+    [NSObject cancelPreviousPerformRequestsWithTarget:self
+                                             selector:@selector(saveSettings)
+                                               object:nil];
 }
 
 - (void)saveSettings
 {
-    [m_saveTimer invalidate];
-    m_saveTimer = nil;
+    [self _cancelSaving];
     if (m_engine == nullptr || m_engine->recording().path.empty()) {
         return;
     }
@@ -341,7 +334,7 @@ const char* parameterName(AudioUnitParameterID parameter) { return findParameter
     [self _updateButtons];
 }
 
-- (void)undo:(id)sender
+- (void)undoEdit:(id)sender
 {
     [m_window makeFirstResponder:nil];
     if (m_history.canUndo()) {
@@ -349,7 +342,7 @@ const char* parameterName(AudioUnitParameterID parameter) { return findParameter
     }
 }
 
-- (void)redo:(id)sender
+- (void)redoEdit:(id)sender
 {
     if (m_history.canRedo()) {
         [self _apply:m_history.redo()];
@@ -366,14 +359,14 @@ const char* parameterName(AudioUnitParameterID parameter) { return findParameter
 - (BOOL)validateMenuItem:(NSMenuItem*)item
 {
     const SEL action = [item action];
-    if (sel_isEqual(action, @selector(undo:))) {
+    if (sel_isEqual(action, @selector(undoEdit:))) {
         const bool can = m_history.canUndo();
         [item setTitle:can ? [NSString stringWithFormat:@"Undo %s",
                                                         parameterName(m_history.undoParameter())]
                            : @"Undo"];
         return can;
     }
-    if (sel_isEqual(action, @selector(redo:))) {
+    if (sel_isEqual(action, @selector(redoEdit:))) {
         const bool can = m_history.canRedo();
         [item setTitle:can ? [NSString stringWithFormat:@"Redo %s",
                                                         parameterName(m_history.redoParameter())]
@@ -520,8 +513,8 @@ const char* parameterName(AudioUnitParameterID parameter) { return findParameter
     m_export = [HostButton buttonWithTitle:@"Export…"
                                     action:@selector(exportDocument:)
                                     target:self];
-    m_undo = [HostButton buttonWithTitle:@"Undo" action:@selector(undo:) target:self];
-    m_redo = [HostButton buttonWithTitle:@"Redo" action:@selector(redo:) target:self];
+    m_undo = [HostButton buttonWithTitle:@"Undo" action:@selector(undoEdit:) target:self];
+    m_redo = [HostButton buttonWithTitle:@"Redo" action:@selector(redoEdit:) target:self];
     CGFloat right = NSMaxX([content bounds]) - kMargin;
     for (HostButton* button : {m_export, open, m_redo, m_undo}) {
         right -= NSWidth([button frame]);
