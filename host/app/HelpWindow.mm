@@ -26,7 +26,7 @@ Setting settingOf(HelpParagraph::Kind kind)
     case HelpParagraph::Kind::Title:
         return {[NSFont boldSystemFontOfSize:20], look::text(), 0, 8};
     case HelpParagraph::Kind::Heading:
-        return {[NSFont boldSystemFontOfSize:13], look::accent(), 14, 5};
+        return {[NSFont boldSystemFontOfSize:13], look::accent(), 0, 5};
     case HelpParagraph::Kind::Text:
     case HelpParagraph::Kind::Term:
         break;
@@ -54,8 +54,10 @@ NSAttributedString* setParagraph(const HelpParagraph& paragraph)
     const bool isTerm = paragraph.kind == HelpParagraph::Kind::Term;
     NSString* const term = [NSString stringWithUTF8String:paragraph.term];
     NSString* const text = [NSString stringWithUTF8String:paragraph.text];
-    NSString* const whole = isTerm ? [NSString stringWithFormat:@"%@\t%@\n", term, text]
-                                   : [text stringByAppendingString:@"\n"];
+    const bool isHeading = paragraph.kind == HelpParagraph::Kind::Heading;
+    // An empty line, because the platform's typesetter may leave out the space before.
+    NSString* const whole = [NSString
+        stringWithFormat:@"%@%@%@%@\n", isHeading ? @"\n" : @"", term, isTerm ? @"\t" : @"", text];
     NSMutableAttributedString* const set = [[[NSMutableAttributedString alloc]
         initWithString:whole
             attributes:@{

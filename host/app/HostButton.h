@@ -2,11 +2,13 @@
 
 #import <AppKit/AppKit.h>
 
+#import "PointerArea.h"
+
 /// A flat button of the host's window, with states for the pointer over it, for being pressed, for
 /// having the keyboard and for being disabled. [main]
 @interface HostButton : NSButton {
 @private
-    NSTrackingRectTag m_tracking;
+    host::PointerArea m_area;
     BOOL m_isHovered;
 }
 

@@ -85,40 +85,21 @@ bool hasKeyboard(NSView* view)
     return m_isHovered;
 }
 
-- (void)_untrack
-{
-    if (m_tracking != 0) {
-        [self removeTrackingRect:m_tracking];
-        m_tracking = 0;
-    }
-}
-
-- (void)_track
-{
-    [self _untrack];
-    if ([self window] != nil) {
-        m_tracking = [self addTrackingRect:[self bounds]
-                                     owner:self
-                                  userData:nullptr
-                              assumeInside:NO];
-    }
-}
-
 - (void)viewWillMoveToWindow:(NSWindow*)window
 {
-    [self _untrack];
+    m_area.stop(self);
     [super viewWillMoveToWindow:window];
 }
 
 - (void)viewDidMoveToWindow
 {
-    [self _track];
+    m_area.follow(self);
 }
 
 - (void)setFrame:(NSRect)frame
 {
     [super setFrame:frame];
-    [self _track];
+    m_area.follow(self);
 }
 
 - (void)mouseEntered:(NSEvent*)event

@@ -470,6 +470,7 @@ const char* parameterName(AudioUnitParameterID parameter) { return findParameter
     [self _addLabels];
     [self _addButtons];
     [self _addPanes];
+    [m_window setInitialFirstResponder:view]; // else a button would begin with the keyboard
 }
 
 - (CGFloat)_heightAbovePane

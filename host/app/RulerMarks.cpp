@@ -52,9 +52,9 @@ bool isMusical(std::uint32_t format)
 /// Points of a frame grid: few that divide a second, or whole seconds.
 double frameStep(double smallest, double grid, double sampleRate)
 {
-    const double perSecond = std::round(sampleRate / grid);
-    for (double points = 1; points < perSecond; ++points) {
-        if (points * grid >= smallest && std::fmod(perSecond, points) == 0) {
+    const auto perSecond = static_cast<unsigned>(std::lround(sampleRate / grid));
+    for (unsigned points = 1; points < perSecond; ++points) {
+        if (points * grid >= smallest && perSecond % points == 0) {
             return points * grid;
         }
     }
@@ -86,9 +86,11 @@ std::vector<std::uint64_t> rulerMarks(std::uint64_t frames, double smallest,
 {
     const double step = rulerStep(smallest, style);
     std::vector<std::uint64_t> marks;
-    for (double i = 0; i * step < static_cast<double>(frames); ++i) {
+    const auto count = static_cast<std::uint64_t>(std::ceil(static_cast<double>(frames) / step));
+    for (std::uint64_t i = 0; i < count; ++i) {
         // Rounded up, so that a mark reads as the frame that begins there.
-        marks.push_back(static_cast<std::uint64_t>(std::ceil(i * step - 0.001)));
+        marks.push_back(
+            static_cast<std::uint64_t>(std::ceil(static_cast<double>(i) * step - 0.001)));
     }
     return marks;
 }

@@ -2,6 +2,7 @@
 
 #import <AppKit/AppKit.h>
 
+#import "PointerArea.h"
 #include "PositionText.h"
 #include "host/effect/TrimEngine.h"
 
@@ -34,7 +35,7 @@
     std::size_t m_columnCount;
     NSSize m_columnsSize; // of the view when they were taken
     std::optional<std::uint64_t> m_cursor;
-    NSTrackingRectTag m_tracking;
+    host::PointerArea m_area;
     id<WaveformViewDelegate> m_delegate; // not owned
 }
 

@@ -193,40 +193,21 @@ bool usesThresholds(FunctionMode function)
 {
     [super setFrameSize:size];
     [self _updateMarks];
-    [self _track];
+    m_area.follow(self);
 }
 
 // ---- pointer
 
 - (void)viewDidMoveToWindow
 {
-    [self _track];
+    m_area.follow(self);
+    [[self window] setAcceptsMouseMovedEvents:YES];
 }
 
 - (void)viewWillMoveToWindow:(NSWindow*)window
 {
-    [self _untrack];
+    m_area.stop(self);
     [super viewWillMoveToWindow:window];
-}
-
-- (void)_untrack
-{
-    if (m_tracking != 0) {
-        [self removeTrackingRect:m_tracking];
-        m_tracking = 0;
-    }
-}
-
-- (void)_track
-{
-    [self _untrack];
-    if ([self window] != nil) {
-        m_tracking = [self addTrackingRect:[self bounds]
-                                     owner:self
-                                  userData:nullptr
-                              assumeInside:NO];
-        [[self window] setAcceptsMouseMovedEvents:YES];
-    }
 }
 
 - (void)mouseMoved:(NSEvent*)event
