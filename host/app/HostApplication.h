@@ -2,8 +2,11 @@
 
 #import <AppKit/AppKit.h>
 
+#import "HelpWindow.h"
 #import "HostWindow.h"
+#import "RecentFiles.h"
 
+#include <memory>
 #include <string>
 
 namespace host {
@@ -21,12 +24,15 @@ void prepareFrameworks(const char* programName, double scale);
 @interface HostApplication : NSApplication {
 @private
     HostWindow* m_hostWindow; // owned
+    HelpWindow* m_help;       // owned
+    std::unique_ptr<host::RecentFiles> m_recentFiles;
     std::string m_snapshotPath;
 }
 
 /// Makes the application object. Call after prepareFrameworks().
 + (HostApplication*)prepare;
 
+/// The window, which from now on fills the list of recent files.
 - (void)setHostWindow:(HostWindow*)hostWindow;
 
 /// Has the application write a picture of its window once the editor is drawn and up to date,

@@ -1,12 +1,16 @@
 #import "HostApplication.h"
 
+#import "HelpText.h"
 #import "HostMenu.h"
 #import "HostTheme.h"
 #import "Snapshot.h"
 
+#include <XeHelp.h>
+
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 
 namespace host {
 
@@ -48,12 +52,21 @@ void prepareFrameworks(const char* programName, double scale)
     [HostTheme install];
     host::installMainMenu();
     [application setDelegate:application];
+    application->m_help = [[HelpWindow alloc] init];
+    application->m_recentFiles =
+        std::make_unique<host::RecentFiles>(host::RecentFiles::defaultPath());
+    const auto show = [files = application->m_recentFiles.get()] {
+        host::showRecentFiles(files->paths());
+    };
+    application->m_recentFiles->setObserver(show);
+    show();
     return application;
 }
 
 - (void)dealloc
 {
     [m_hostWindow release];
+    [m_help release];
     [super dealloc];
 }
 
@@ -62,6 +75,7 @@ void prepareFrameworks(const char* programName, double scale)
     [hostWindow retain];
     [m_hostWindow release];
     m_hostWindow = hostWindow;
+    [m_hostWindow setRecentFiles:m_recentFiles.get()];
 }
 
 - (void)setSnapshotPath:(const std::string&)path
@@ -76,10 +90,64 @@ void prepareFrameworks(const char* programName, double scale)
                  [[exception reason] UTF8String]);
 }
 
-// File, Open reaches the window's owner through the application's delegate.
+// Menu actions reach the window's owner through the application's delegate.
+
+- (BOOL)validateMenuItem:(NSMenuItem*)item
+{
+    return [m_hostWindow validateMenuItem:item];
+}
+
 - (void)openDocument:(id)sender
 {
     [m_hostWindow openDocument:sender];
+}
+
+- (void)openRecentDocument:(id)sender
+{
+    const auto index = static_cast<std::size_t>([sender tag]);
+    if (index >= m_recentFiles->paths().size()) {
+        return;
+    }
+    const std::string path = m_recentFiles->paths()[index];
+    if (!std::filesystem::exists(path)) {
+        m_recentFiles->remove(path);
+    }
+    [m_hostWindow openFileForUser:path];
+}
+
+- (void)clearRecentDocuments:(id)sender
+{
+    m_recentFiles->clear();
+}
+
+- (void)exportDocument:(id)sender
+{
+    [m_hostWindow exportDocument:sender];
+}
+
+- (void)undoEdit:(id)sender
+{
+    [m_hostWindow undoEdit:sender];
+}
+
+- (void)redoEdit:(id)sender
+{
+    [m_hostWindow redoEdit:sender];
+}
+
+- (void)editMusic:(id)sender
+{
+    [m_hostWindow editMusic:sender];
+}
+
+- (void)showHelp:(id)sender
+{
+    XeHelp::GotoHome();
+}
+
+- (void)showEditorHelp:(id)sender
+{
+    XeHelp::Goto(host::kEditorTopic, nullptr);
 }
 
 - (void)applicationDidFinishLaunching:(NSNotification*)notification

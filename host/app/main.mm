@@ -23,6 +23,13 @@ int fail(const std::string& problem, int status)
     return status;
 }
 
+void report(const std::string& message)
+{
+    if (!message.empty()) {
+        std::fprintf(stderr, "tarvel-host: %s\n", message.c_str());
+    }
+}
+
 /// The editor that lies beside the program.
 std::string bundleBesideProgram()
 {
@@ -40,10 +47,10 @@ int run(const HostOptions& options, std::shared_ptr<const Recording> recording,
         HostWindow* const window =
             [[HostWindow alloc] initWithBundle:options.bundle.value_or(bundleBesideProgram())
                                        factory:kFactoryClass];
-        if (recording != nullptr) {
-            [window showRecording:std::move(recording)];
-        }
         [application setHostWindow:window];
+        if (recording != nullptr) {
+            report([window showRecording:std::move(recording)]);
+        }
         [application setSnapshotPath:options.snapshot.value_or("")];
         [window release];
         [application run];
@@ -86,9 +93,7 @@ int main(int argc, char** argv)
         if (read.recording == nullptr) {
             return fail(read.problem, kFailed);
         }
-        if (!read.warning.empty()) {
-            std::fprintf(stderr, "tarvel-host: %s\n", read.warning.c_str());
-        }
+        report(read.warning);
     }
     return run(parsed.options, read.recording, argv[0]);
 }

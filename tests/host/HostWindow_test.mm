@@ -3,68 +3,15 @@
 #import "host/app/Snapshot.h"
 
 #import "GuiTest.h"
+#import "WaveformPictures.h"
 
 #include <filesystem>
 
 using namespace host;
+using namespace host_test;
 namespace fs = std::filesystem;
 
 namespace {
-
-/// A second at 1 kHz whose second half is as loud as can be.
-std::shared_ptr<const Recording> halfLoud(unsigned channels)
-{
-    auto recording = std::make_shared<Recording>();
-    recording->path = "/audio/half.wav";
-    recording->format = "WAV (Microsoft)";
-    recording->bitDepth = 16;
-    recording->sampleRate = 1000;
-    recording->channels = channels;
-    recording->samples.resize(1000 * channels);
-    for (std::size_t i = 500 * channels; i < recording->samples.size(); ++i) {
-        recording->samples[i] = i / channels % 2 == 0 ? 1.0F : -1.0F;
-    }
-    return recording;
-}
-
-bool isColor(NSBitmapImageRep* image, NSInteger x, NSInteger y, NSColor* expected)
-{
-    NSColor* const color = [[image colorAtX:x
-                                          y:y] colorUsingColorSpaceName:NSCalibratedRGBColorSpace];
-    return std::abs([color redComponent] - [expected redComponent]) < 0.02 &&
-           std::abs([color greenComponent] - [expected greenComponent]) < 0.02 &&
-           std::abs([color blueComponent] - [expected blueComponent]) < 0.02;
-}
-
-NSBitmapImageRep* pictureOf(NSView* view)
-{
-    [[view window] display];
-    [view lockFocus];
-    NSBitmapImageRep* const image =
-        [[[NSBitmapImageRep alloc] initWithFocusedViewRect:[view bounds]] autorelease];
-    [view unlockFocus];
-    return image;
-}
-
-class WaveformViewTest : public testing::Test {
-protected:
-    void SetUp() override
-    {
-        REQUIRE_DISPLAY();
-        window = gui_test::makeWindow(NSMakeSize(400, 200));
-        view = [[[WaveformView alloc] initWithFrame:NSMakeRect(0, 0, 400, 200)] autorelease];
-        [[window contentView] addSubview:view];
-    }
-
-    void TearDown() override
-    {
-        [window close];
-        [window release];
-    }
-
-    NSWindow* window = nil;
-    WaveformView* view = nil;
-};
 
 class HostWindowTest : public testing::Test {
 protected:
@@ -88,39 +35,6 @@ protected:
 };
 
 } // namespace
-
-TEST_F(WaveformViewTest, DrawsALaneForEachChannel)
-{
-    for (const unsigned channels : {1U, 2U, 6U}) {
-        SCOPED_TRACE(channels);
-        [view setEngine:std::make_shared<const TrimEngine>(halfLoud(channels))];
-        NSBitmapImageRep* const image = pictureOf(view);
-        for (unsigned channel = 0; channel < channels; ++channel) {
-            const double lane = 200.0 / channels;
-            const auto nearTop = static_cast<NSInteger>(lane * (channel + 0.2));
-            EXPECT_TRUE(isColor(image, 100, nearTop, look::well()));
-            EXPECT_TRUE(isColor(image, 300, nearTop, look::waveform()));
-        }
-    }
-}
-
-TEST_F(WaveformViewTest, SilenceIsALine)
-{
-    [view setEngine:std::make_shared<const TrimEngine>(halfLoud(1))];
-    NSBitmapImageRep* const image = pictureOf(view);
-    bool found = false;
-    for (NSInteger y = 98; y <= 102; ++y) {
-        found = found || isColor(image, 100, y, look::waveform());
-    }
-    EXPECT_TRUE(found);
-}
-
-TEST_F(WaveformViewTest, WithoutARecordingThereIsNoWaveform)
-{
-    NSBitmapImageRep* const image = pictureOf(view);
-    EXPECT_TRUE(isColor(image, 20, 100, look::well()));
-    EXPECT_TRUE(isColor(image, 300, 20, look::well()));
-}
 
 TEST_F(HostWindowTest, IsAsLargeAsItsEditorNeeds)
 {

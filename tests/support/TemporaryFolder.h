@@ -13,9 +13,9 @@
 /// A new folder below the system's temporary folder, removed with all its contents at the end.
 class TemporaryFolder {
 public:
-    TemporaryFolder()
+    explicit TemporaryFolder(const std::string& name = "tarvel-test")
     {
-        std::string path = std::filesystem::temp_directory_path() / "tarvel-test-XXXXXX";
+        std::string path = std::filesystem::temp_directory_path() / (name + "-XXXXXX");
         EXPECT_NE(mkdtemp(path.data()), nullptr) << path;
         m_path = path;
     }
