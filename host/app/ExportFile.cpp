@@ -342,8 +342,7 @@ private:
         const std::string& target = m_request.target;
         const Recording& recording = m_engine.recording();
         if (m_frames == 0) {
-            return failure(ExportStatus::NothingKept, recording.path,
-                           "has nothing that these settings keep.");
+            return {ExportStatus::NothingKept, whyNothingIsKept(recording)};
         }
         if (isSameFile(recording.path, target)) {
             return failure(ExportStatus::TargetIsSource, target,
@@ -440,6 +439,11 @@ int exportFormat(ExportContainer container, int sourceFormat, std::uint64_t samp
     const bool isLarge = bytes + kMostHeaderBytes > kMostBytesOf32Bits;
     return container == ExportContainer::Wav && isLarge ? SF_FORMAT_RF64 | written
                                                         : rowOf(container).format | written;
+}
+
+std::string whyNothingIsKept(const Recording& recording)
+{
+    return quotedPath(recording.path) + " has nothing that these settings keep.";
 }
 
 ExportResult exportFile(const TrimEngine& engine, const TrimPlan& plan,

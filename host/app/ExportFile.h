@@ -34,6 +34,9 @@ std::optional<ExportContainer> containerOf(const Recording& recording);
 /// @param samples       Frames times channels of the result.
 int exportFormat(ExportContainer container, int sourceFormat, std::uint64_t samples);
 
+/// The sentence for a plan without a kept region.
+std::string whyNothingIsKept(const Recording& recording);
+
 /// What to write, and where.
 struct ExportRequest {
     std::string target; // any bytes but zero

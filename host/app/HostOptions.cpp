@@ -1,5 +1,6 @@
 #include "HostOptions.h"
 
+#include "BatchOptions.h"
 #include "host/effect/AudioFile.h"
 
 #include <algorithm>
@@ -119,15 +120,18 @@ ParsedOptions parseOptions(const std::vector<std::string>& words)
     return parsed;
 }
 
-const char* usage()
+std::string usage()
 {
-    return "Usage: tarvel-host [OPTION]... [--] [RECORDING]\n"
-           "Opens the effect's editor beside a recording.\n"
-           "\n"
-           "  --bundle PATH    open the editor in this bundle, not the one beside the program\n"
-           "  --scale N        draw N pixels a point, 0.5 to 4\n"
-           "  --snapshot FILE  write the window to FILE (PNG), print its path and end\n"
-           "  --help           show this text and end\n";
+    return std::string(
+               "Usage: tarvel-host [OPTION]... [--] [RECORDING]\n"
+               "Opens the effect's editor beside a recording.\n"
+               "\n"
+               "  --bundle PATH    open the editor in this bundle, not the one beside the program\n"
+               "  --scale N        draw N pixels a point, 0.5 to 4\n"
+               "  --snapshot FILE  write the window to FILE (PNG), print its path and end\n"
+               "  --help           show this text and end\n"
+               "\n") +
+           batchUsage();
 }
 
 } // namespace host

@@ -24,7 +24,7 @@ struct ParsedOptions {
 /// @param words  The command line without the program's name.
 ParsedOptions parseOptions(const std::vector<std::string>& words);
 
-/// How to call the program, several lines.
-const char* usage();
+/// How to call the program, with a window and for a batch; several lines.
+std::string usage();
 
 } // namespace host

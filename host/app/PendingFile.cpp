@@ -36,9 +36,10 @@ void flushFolder(const std::string& folder)
 
 } // namespace
 
-PendingFile::PendingFile(std::string path) : m_path(std::move(path)), m_folder(folderOf(m_path))
+PendingFile::PendingFile(std::string path, Naming naming)
+    : m_path(std::move(path)), m_folder(folderOf(m_path))
 {
-    if (!open()) {
+    if (!open(naming)) {
         fail();
     }
 }
@@ -53,11 +54,13 @@ PendingFile::~PendingFile()
     }
 }
 
-bool PendingFile::open()
+bool PendingFile::open(Naming naming)
 {
-    m_descriptor = ::open(m_folder.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, kAnybody);
-    if (m_descriptor >= 0 || !mustHaveName(errno)) {
-        return m_descriptor >= 0;
+    if (naming == Naming::NamelessWherePossible) {
+        m_descriptor = ::open(m_folder.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, kAnybody);
+        if (m_descriptor >= 0 || !mustHaveName(errno)) {
+            return m_descriptor >= 0;
+        }
     }
     const std::string name = unusedName();
     m_descriptor = ::open(name.c_str(), O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC, kAnybody);
@@ -162,11 +165,20 @@ bool PendingFile::publish(bool overwrite)
     return true;
 }
 
-/// Moves the hidden name to the name to be.
+/// Moves the hidden name to the name to be. False, with errno set, when that fails.
 bool PendingFile::moveToName(bool overwrite)
 {
-    const unsigned flags = overwrite ? 0 : RENAME_NOREPLACE;
-    return ::renameat2(AT_FDCWD, m_temporary.c_str(), AT_FDCWD, m_path.c_str(), flags) == 0;
+    const char* const from = m_temporary.c_str();
+    const char* const to = m_path.c_str();
+    if (overwrite) {
+        return ::rename(from, to) == 0;
+    }
+    if (::renameat2(AT_FDCWD, from, AT_FDCWD, to, RENAME_NOREPLACE) == 0) {
+        return true;
+    }
+    // Network file systems know no such move; a link does not replace either.
+    const bool isUnknown = errno == EINVAL || errno == ENOSYS;
+    return isUnknown && ::link(from, to) == 0 && ::unlink(from) == 0;
 }
 
 } // namespace host

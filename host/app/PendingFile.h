@@ -19,8 +19,11 @@ namespace host {
 /// Every function that fails keeps the reason of the first failure, and what follows fails too.
 class PendingFile {
 public:
-    /// @param path  The name to be, any bytes but zero. Its folder must exist.
-    explicit PendingFile(std::string path);
+    enum class Naming { NamelessWherePossible, Hidden };
+
+    /// @param path    The name to be, any bytes but zero. Its folder must exist.
+    /// @param naming  Hidden does everywhere what is done where nameless files are missing.
+    explicit PendingFile(std::string path, Naming naming = Naming::NamelessWherePossible);
     ~PendingFile();
     PendingFile(const PendingFile&) = delete;
     PendingFile& operator=(const PendingFile&) = delete;
@@ -47,7 +50,7 @@ public:
 
 private:
     bool fail();
-    bool open();
+    bool open(Naming naming);
     bool publish(bool overwrite);
     bool moveToName(bool overwrite);
     std::string unusedName() const;

@@ -1,9 +1,11 @@
+#import "Batch.h"
 #import "HostApplication.h"
 #import "HostOptions.h"
 #import "host/effect/AudioFile.h"
 
 #include <cstdio>
 #include <filesystem>
+#include <iostream>
 #include <system_error>
 
 using namespace host;
@@ -56,16 +58,33 @@ int run(const HostOptions& options, std::shared_ptr<const Recording> recording,
     return 0;
 }
 
-} // namespace
-
-int main(int argc, char** argv)
+int batch(const std::vector<std::string>& words)
 {
-    const ParsedOptions parsed = parseOptions({argv + 1, argv + argc});
+    const ParsedBatchOptions parsed = parseBatchOptions(words);
     if (!parsed.problem.empty()) {
         return fail(parsed.problem, kWrongUse);
     }
     if (parsed.options.help) {
-        std::fputs(usage(), stdout);
+        std::fputs(usage().c_str(), stdout);
+        return 0;
+    }
+    return runBatch(parsed.options, std::cout, std::cerr);
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    const std::vector<std::string> words(argv + 1, argv + argc);
+    if (asksForBatch(words)) {
+        return batch(words);
+    }
+    const ParsedOptions parsed = parseOptions(words);
+    if (!parsed.problem.empty()) {
+        return fail(parsed.problem, kWrongUse);
+    }
+    if (parsed.options.help) {
+        std::fputs(usage().c_str(), stdout);
         return 0;
     }
     ReadResult read;

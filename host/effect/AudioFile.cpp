@@ -118,9 +118,39 @@ void readSamples(SNDFILE* file, const SF_INFO& info, std::vector<float>& samples
     }
 }
 
-/// What to say of a file that has fewer frames than its header promises, or "".
-std::string shortfall(const Recording& recording, const SF_INFO& info)
+/// Bytes that a WAV or AIFF file is shorter than its header says; 0 where it does not tell.
+std::uint64_t missingBytes(const FileDescriptor& file)
 {
+    // A writer that cannot know the length puts a number that is about the largest.
+    constexpr std::uint64_t kUnknown = 0x7FFF0000;
+    constexpr std::uint64_t kOutside = 8; // bytes that are not counted, though some count them
+    std::array<unsigned char, 8> head{};
+    struct stat status {};
+    if (::pread(file.get(), head.data(), head.size(), 0) != static_cast<ssize_t>(head.size()) ||
+        ::fstat(file.get(), &status) != 0) {
+        return 0;
+    }
+    const std::string_view name(reinterpret_cast<const char*>(head.data()), 4);
+    const bool isLittle = name == "RIFF";
+    if (!isLittle && name != "RIFX" && name != "FORM") {
+        return 0;
+    }
+    std::uint64_t size = 0;
+    for (std::size_t i = 0; i < 4; ++i) {
+        size = size << 8 | head[isLittle ? 7 - i : 4 + i];
+    }
+    const auto there = static_cast<std::uint64_t>(status.st_size);
+    return size < kUnknown && size > there ? size + kOutside - there : 0;
+}
+
+/// What to say of a file that has fewer frames than its header promises, or "".
+std::string shortfall(const Recording& recording, const SF_INFO& info, const FileDescriptor& file)
+{
+    // Of these kinds the decoder only tells what is there.
+    if (const std::uint64_t missing = missingBytes(file)) {
+        return quotedPath(recording.path) + " is damaged: its last " + std::to_string(missing) +
+               " bytes are missing.";
+    }
     const auto frames = static_cast<sf_count_t>(recording.frames());
     // Where the length cannot be told, the decoder gives the largest number.
     if (frames >= info.frames || info.frames == SF_COUNT_MAX) {
@@ -150,7 +180,7 @@ ReadResult decode(const std::string& path, const FileDescriptor& descriptor)
     if (recording->samples.empty()) {
         return failure(path, "holds no sound.");
     }
-    return {recording, "", shortfall(*recording, info)};
+    return {recording, "", shortfall(*recording, info, descriptor)};
 }
 
 /// Length of the printable UTF-8 character at the front of `text`; 0 when there is none.

@@ -18,9 +18,9 @@ struct ReadResult {
 /// with any number of channels. Blocks while reading. [any]
 ///
 /// Only regular files are opened, so a pipe or a device never makes it wait. A file that ends
-/// early or is damaged in the middle is read as far as it goes, with a warning where the decoder
-/// still knows the promised length (FLAC; a cut WAV or AIFF file just looks shorter). One that
-/// holds no sample, or that does not fit into memory, is a problem.
+/// early or is damaged in the middle is read as far as it goes, with a warning where its header
+/// tells the promised length (FLAC, WAV, AIFF). One that holds no sample, or that does not fit into
+/// memory, is a problem.
 ///
 /// @param path  Bytes as the system knows them, in any encoding or none.
 ReadResult readAudioFile(const std::string& path);

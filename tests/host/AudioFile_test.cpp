@@ -247,6 +247,39 @@ TEST_F(AudioFileTest, ShortfallThatTheDecoderKnowsIsTold)
                                   std::to_string(frames) + " of 100000 frames could be read.");
 }
 
+TEST_F(AudioFileTest, WavAndAiffThatWereCutAreTold)
+{
+    for (const int format : {+SF_FORMAT_WAV, +SF_FORMAT_AIFF, SF_FORMAT_WAV | SF_ENDIAN_BIG}) {
+        SCOPED_TRACE(format);
+        const auto file =
+            writeSound("cut", format | SF_FORMAT_PCM_16, 44100, 1, staircase(1, 1000));
+        EXPECT_EQ(readAudioFile(file).warning, "");
+        fs::resize_file(file, fs::file_size(file) - 500);
+        const ReadResult result = readAudioFile(file);
+        ASSERT_NE(result.recording, nullptr) << result.problem;
+        EXPECT_EQ(result.recording->frames(), 750U);
+        EXPECT_EQ(result.warning,
+                  quotedPath(file) + " is damaged: its last 500 bytes are missing.");
+    }
+}
+
+// A recorder that writes into a pipe puts the largest number; some count the whole file.
+TEST_F(AudioFileTest, LengthThatAHeaderCannotKnowIsNoDamage)
+{
+    const auto file =
+        writeSound("a.wav", SF_FORMAT_WAV | SF_FORMAT_PCM_16, 44100, 1, staircase(1, 1000));
+    const auto size = static_cast<char32_t>(fs::file_size(file));
+    for (const char32_t promised : {char32_t{0xFFFFFFFF}, char32_t{0x7FFFFFFF}, size}) {
+        std::fstream stream(file, std::ios::in | std::ios::out | std::ios::binary);
+        stream.seekp(4);
+        for (int shift = 0; shift < 32; shift += 8) {
+            stream.put(static_cast<char>(promised >> shift));
+        }
+        stream.close();
+        EXPECT_EQ(readAudioFile(file).warning, "") << static_cast<unsigned>(promised);
+    }
+}
+
 // ---- paths for people
 
 TEST(QuotedPath, WritesPrintableTextAsItIsAndOtherBytesInHex)

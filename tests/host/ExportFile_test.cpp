@@ -46,7 +46,7 @@ protected:
 
     std::string path(const std::string& name) const { return m_folder.path(name); }
 
-    TemporaryFolder m_folder{"export-file"};
+    TemporaryFolder m_folder;
 
 private:
     std::unique_ptr<TrimEngine> m_engine;

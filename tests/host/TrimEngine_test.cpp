@@ -526,16 +526,20 @@ TEST(Render, EndsWithThePlan)
     EXPECT_EQ(engine.render({}, 0, 5, out.data()), 0U);
 }
 
-// Bursts, tails and gaps of random length in every mode, against the version above.
+// Bursts, tails and gaps of random length in every mode, at every rate and channel count, against
+// the version above.
 TEST(TrimEngine, AgreesWithTheSlowVersion)
 {
+    constexpr unsigned kRates[] = {1000, 8000, 11025, 44100, 48000, 96000, 192000, 7};
     std::mt19937 random(20240607);
     const auto pick = [&random](double low, double high) {
         return std::uniform_real_distribution<double>(low, high)(random);
     };
     for (int round = 0; round < 400; ++round) {
         SCOPED_TRACE(round);
-        const auto channels = static_cast<unsigned>(pick(1, 4));
+        const auto channels = static_cast<unsigned>(pick(1, 9));
+        const unsigned rate = kRates[static_cast<std::size_t>(round) % std::size(kRates)];
+        const auto ms = [&](double low, double high) { return pick(low, high) * 1000 / rate; };
         std::vector<float> samples;
         while (samples.size() < 700 * channels) {
             const double level = std::pow(10.0, pick(-70, 0) / 20);
@@ -544,25 +548,25 @@ TEST(TrimEngine, AgreesWithTheSlowVersion)
                 samples.push_back(static_cast<float>(round % 3 == 0 ? level : pick(-level, level)));
             }
         }
-        const auto recording = makeRecording(std::move(samples), channels);
+        const auto recording = makeRecording(std::move(samples), channels, rate);
         const TrimSettings wanted{
             .function = static_cast<FunctionMode>(round % 4),
             .attackThresholdDb = static_cast<float>(pick(-65, 0)),
             .releaseThresholdDb = static_cast<float>(pick(-65, 0)),
             .fadeInCurve = static_cast<FadeCurve>(round % 5),
-            .fadeInLengthMs = static_cast<float>(pick(0, 200)),
+            .fadeInLengthMs = ms(0, 200),
             .fadeOutCurve = static_cast<FadeCurve>(round / 5 % 5),
-            .fadeOutLengthMs = static_cast<float>(pick(0, 200)),
-            .minSilenceMs = static_cast<float>(pick(0, 300)),
-            .cropStartMs = static_cast<float>(pick(-50, 700)),
-            .cropLengthMs = static_cast<float>(pick(-50, 700)),
+            .fadeOutLengthMs = ms(0, 200),
+            .minSilenceMs = ms(0, 300),
+            .cropStartMs = ms(-50, 700),
+            .cropLengthMs = ms(-50, 700),
         };
         const TrimEngine engine(recording);
         const std::vector<float> fast = rendered(engine, engine.plan(wanted));
         const std::vector<float> slow = SlowTrim(*recording, wanted).result();
         ASSERT_EQ(fast.size(), slow.size());
         for (std::size_t i = 0; i < fast.size(); ++i) {
-            ASSERT_NEAR(fast[i], slow[i], 1e-6) << "sample " << i;
+            ASSERT_EQ(fast[i], slow[i]) << "sample " << i;
         }
     }
 }

@@ -11,40 +11,39 @@
 #include <vector>
 
 /// A new folder below the system's temporary folder, removed with all its contents at the end.
-/// Names are bytes.
 class TemporaryFolder {
 public:
-    explicit TemporaryFolder(const std::string& name = "tarvel-test")
+    TemporaryFolder()
     {
-        std::string pattern =
-            (std::filesystem::temp_directory_path() / (name + "-XXXXXX")).string();
-        EXPECT_NE(mkdtemp(pattern.data()), nullptr) << pattern;
-        m_path = pattern;
+        std::string path = std::filesystem::temp_directory_path() / "tarvel-test-XXXXXX";
+        EXPECT_NE(mkdtemp(path.data()), nullptr) << path;
+        m_path = path;
     }
     ~TemporaryFolder()
     {
-        std::error_code ignored;
-        std::filesystem::remove_all(m_path, ignored);
+        std::error_code error;
+        std::filesystem::remove_all(m_path, error);
     }
     TemporaryFolder(const TemporaryFolder&) = delete;
     TemporaryFolder& operator=(const TemporaryFolder&) = delete;
 
-    /// The folder, or an entry of it.
+    /// The folder, or an entry of it. Names are bytes.
     const std::filesystem::path& path() const { return m_path; }
     std::filesystem::path operator/(const std::string& name) const { return m_path / name; }
     std::string path(const std::string& name) const { return (m_path / name).string(); }
 
-    /// Names of everything in a folder below this one, hidden files too, in order.
-    std::vector<std::string> names(const std::string& folder = "") const
+    /// Names of everything in the folder or in one below it, hidden files too, in order.
+    std::vector<std::string> names(const std::string& below = "") const
     {
         std::vector<std::string> names;
-        for (const auto& entry : std::filesystem::directory_iterator(path(folder))) {
+        for (const auto& entry : std::filesystem::directory_iterator(m_path / below)) {
             names.push_back(entry.path().filename().string());
         }
         std::sort(names.begin(), names.end());
         return names;
     }
 
+    /// Writes a file of the folder; its path.
     std::string write(const std::string& name, const std::string& bytes) const
     {
         std::ofstream(path(name), std::ios::binary) << bytes;
