@@ -182,7 +182,7 @@ protected:
         return user_hand::drag(control(outlet), NSMakePoint(from, 0.5), NSMakePoint(to, 0.5));
     }
 
-    TemporaryFolder folder{"endtoend"};
+    TemporaryFolder folder;
     std::string take = folder.path("take.flac");
     HostWindow* host = nil;
 };

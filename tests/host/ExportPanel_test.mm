@@ -71,7 +71,7 @@ TEST(ExportName, KeepsTheKindOfFileWhereItCan)
 TEST(ExportWithProgress, WritesTheFile)
 {
     REQUIRE_DISPLAY();
-    const TemporaryFolder folder("export-panel");
+    const TemporaryFolder folder;
     const auto engine = std::make_shared<const TrimEngine>(silence(1000));
     const ExportResult result =
         exportWithProgress(engine, everything(*engine), {.target = folder.path("a.wav")});
@@ -82,7 +82,7 @@ TEST(ExportWithProgress, WritesTheFile)
 TEST(ExportWithProgress, CancelLeavesNothingBehind)
 {
     REQUIRE_DISPLAY();
-    const TemporaryFolder folder("export-panel");
+    const TemporaryFolder folder;
     PanelClicker* const clicker = [[[PanelClicker alloc] init] autorelease];
     NSTimer* const timer = [NSTimer timerWithTimeInterval:0.005
                                                    target:clicker

@@ -12,7 +12,7 @@ namespace {
 
 class RecentFilesTest : public testing::Test {
 protected:
-    TemporaryFolder folder{"recent-files"};
+    TemporaryFolder folder;
     std::string list = folder.path("data/tarvel/recent-files");
 };
 

@@ -28,7 +28,7 @@ protected:
     }
 
     NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
-    TemporaryFolder folder{"settings-file"};
+    TemporaryFolder folder;
     std::string path = folder.path("take.wav.tarvel");
     TarvelEffect effect;
     HostMusic music;

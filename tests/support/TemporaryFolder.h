@@ -13,9 +13,9 @@
 /// A new folder below the system's temporary folder, removed with all its contents at the end.
 class TemporaryFolder {
 public:
-    explicit TemporaryFolder(const std::string& name = "tarvel-test")
+    TemporaryFolder()
     {
-        std::string path = std::filesystem::temp_directory_path() / (name + "-XXXXXX");
+        std::string path = std::filesystem::temp_directory_path() / "tarvel-test-XXXXXX";
         EXPECT_NE(mkdtemp(path.data()), nullptr) << path;
         m_path = path;
     }
