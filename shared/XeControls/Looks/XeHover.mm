@@ -2,7 +2,6 @@
 
 #import <AppKit/AppKit.h>
 
-#include <algorithm>
 #include <vector>
 
 @class XeHoverTracker;
