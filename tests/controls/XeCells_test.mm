@@ -1,10 +1,15 @@
 #import "ControlsFixture.h"
 
+#import "CurvePopUpButton.h"
+#import "LengthTimeField.h"
 #import "XeButton.h"
 #import "XeDraw.h"
 #import "XeLabel.h"
 #import "XePalette.h"
+#import "XePopUpButton.h"
+#import "XeRadioMatrix.h"
 #import "XeSlider.h"
+#import "XeStepper.h"
 #import "XeTextFieldCell.h"
 #import "XeThresholdField.h"
 
@@ -113,6 +118,69 @@ TEST_F(XeButtonLooksTest, RemovedControlIsTrackedNoMore)
     gui_test::pump(0.01);
     movePointer(NSMakePoint(130, 91));
     movePointer(NSMakePoint(5, 5));
+}
+
+// With the caller's reference; a matrix has two cells, one chosen.
+NSControl* newControl(Class kind)
+{
+    NSControl* const control = [[kind alloc] initWithFrame:NSMakeRect(50, 20, 160, 22)];
+    if ([control isKindOfClass:[NSMatrix class]]) {
+        [static_cast<NSMatrix*>(control) renewRows:1 columns:2];
+        [static_cast<NSMatrix*>(control) selectCellAtRow:0 column:0];
+    }
+    return control;
+}
+
+// NSButton and NSPopUpButton see to it themselves, NSMatrix, NSSlider and NSStepper do not.
+TEST_F(XeButtonLooksTest, EveryControlIsDrawnAgainWhenTheKeyboardComesAndGoes)
+{
+    Class const kinds[] = {[XeButton class], [XePopUpButton class], [XeRadioMatrix class],
+                           [XeSlider class], [XeStepper class],     [CurvePopUpButton class]};
+    for (Class const kind : kinds) {
+        SCOPED_TRACE([NSStringFromClass(kind) UTF8String]);
+        NSControl* const control = newControl(kind);
+        [[m_window contentView] addSubview:control];
+        [m_window makeFirstResponder:nil];
+        [control setNeedsDisplay:NO];
+        EXPECT_TRUE([m_window makeFirstResponder:control]);
+        EXPECT_TRUE([control needsDisplay]);
+        [control setNeedsDisplay:NO];
+        EXPECT_TRUE([m_window makeFirstResponder:nil]);
+        EXPECT_TRUE([control needsDisplay]);
+        [control removeFromSuperview];
+        [control release];
+    }
+}
+
+// The cells of a control, which whoever asked for them may still have when the control has gone.
+NSArray* cellsOf(NSControl* control)
+{
+    return [control isKindOfClass:[NSMatrix class]] ? [static_cast<NSMatrix*>(control) cells]
+                                                    : @[ [control cell] ];
+}
+
+TEST_F(XeButtonLooksTest, CellsOfEveryControlMayOutliveIt)
+{
+    Class const kinds[] = {
+        [XeButton class],         [XePopUpButton class],   [XeRadioMatrix class],
+        [XeSlider class],         [XeStepper class],       [XeLabel class],
+        [XeThresholdField class], [LengthTimeField class], [CurvePopUpButton class]};
+    for (Class const kind : kinds) {
+        SCOPED_TRACE([NSStringFromClass(kind) UTF8String]);
+        NSArray* cells = nil;
+        @autoreleasepool {
+            NSControl* const control = newControl(kind);
+            [[m_window contentView] addSubview:control];
+            [control display];
+            movePointer(gui_test::centerOf(control));
+            cells = [cellsOf(control) retain];
+            [control removeFromSuperview];
+            [control release];
+        }
+        ASSERT_GT([cells count], 0U);
+        [cells release];
+        movePointer(NSMakePoint(5, 5));
+    }
 }
 
 TEST_F(XeButtonLooksTest, CopiedCellsAreTrackedByThemselves)

@@ -9,16 +9,10 @@
     return [XeButtonCell class];
 }
 
-- (BOOL)becomeFirstResponder
+- (void)dealloc
 {
-    [self setNeedsDisplay:YES];
-    return [super becomeFirstResponder];
-}
-
-- (BOOL)resignFirstResponder
-{
-    [self setNeedsDisplay:YES];
-    return [super resignFirstResponder];
+    xenon::Hover::forget(self);
+    [super dealloc];
 }
 
 @end

@@ -2,6 +2,22 @@
 
 #import <AppKit/AppKit.h>
 
+#include <vector>
+
+@class XeHoverTracker;
+
+namespace {
+
+// The trackers that have a view, a few dozen of one editor. Kept for ever: cells may go after the
+// static objects.
+std::vector<XeHoverTracker*>& _trackers()
+{
+    static auto* const trackers = new std::vector<XeHoverTracker*>;
+    return *trackers;
+}
+
+} // namespace
+
 // What the tracking rectangle sends its events to.
 @interface XeHoverTracker : NSObject {
     NSView* m_view; // not retained
@@ -11,6 +27,7 @@
     BOOL m_isInside;
 }
 - (BOOL)isInside;
+- (BOOL)isTracking:(NSView*)view;
 - (void)trackFrame:(NSRect)frame inView:(NSView*)view;
 - (void)stop;
 @end
@@ -22,6 +39,11 @@
     return m_isInside;
 }
 
+- (BOOL)isTracking:(NSView*)view
+{
+    return m_view == view;
+}
+
 - (void)trackFrame:(NSRect)frame inView:(NSView*)view
 {
     const NSRect area = [view convertRect:frame toView:nil];
@@ -30,6 +52,7 @@
     }
     [self stop];
     const NSPoint pointer = [[view window] mouseLocationOutsideOfEventStream];
+    _trackers().push_back(self);
     m_view = view;
     m_frame = frame;
     m_area = area;
@@ -39,6 +62,7 @@
 
 - (void)stop
 {
+    std::erase(_trackers(), self);
     [m_view removeTrackingRect:m_tag];
     m_view = nil;
     m_isInside = NO;
@@ -69,6 +93,16 @@ Hover::~Hover()
     if (m_owner == this) {
         [m_tracker stop];
         [m_tracker release];
+    }
+}
+
+void Hover::forget(NSView* view)
+{
+    const std::vector<XeHoverTracker*> trackers = _trackers();
+    for (XeHoverTracker* tracker : trackers) {
+        if ([tracker isTracking:view]) {
+            [tracker stop];
+        }
     }
 }
 

@@ -12,6 +12,12 @@
     return [XePopUpButtonCell class];
 }
 
+- (void)dealloc
+{
+    xenon::Hover::forget(self);
+    [super dealloc];
+}
+
 // The cell names its control as the sender of the action. A decoded cell learns its control only
 // when the platform draws it, and the cells of the face draw themselves.
 - (id)initWithCoder:(NSCoder*)coder
@@ -24,18 +30,6 @@
 - (BOOL)acceptsFirstResponder
 {
     return [self isEnabled];
-}
-
-- (BOOL)becomeFirstResponder
-{
-    [self setNeedsDisplay:YES];
-    return [super becomeFirstResponder];
-}
-
-- (BOOL)resignFirstResponder
-{
-    [self setNeedsDisplay:YES];
-    return [super resignFirstResponder];
 }
 
 - (void)keyDown:(NSEvent*)event

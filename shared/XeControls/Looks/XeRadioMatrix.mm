@@ -12,6 +12,12 @@
     return [XeRadioCell class];
 }
 
+- (void)dealloc
+{
+    xenon::Hover::forget(self);
+    [super dealloc];
+}
+
 - (BOOL)acceptsFirstResponder
 {
     return [self isEnabled];

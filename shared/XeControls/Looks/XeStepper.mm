@@ -14,6 +14,12 @@
     return [XeStepperCell class];
 }
 
+- (void)dealloc
+{
+    xenon::Hover::forget(self);
+    [super dealloc];
+}
+
 - (BOOL)acceptsFirstResponder
 {
     return [self isEnabled];

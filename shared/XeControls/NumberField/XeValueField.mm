@@ -59,6 +59,7 @@ NSRange _clampedRange(NSRange range, NSUInteger length)
 
 - (void)dealloc
 {
+    xenon::Hover::forget(self);
     [m_value release];
     [m_shownText release];
     [super dealloc];

@@ -96,6 +96,12 @@ NSString* _withoutSelfPrefix(NSString* keyPath)
     return self;
 }
 
+- (void)dealloc
+{
+    xenon::Hover::forget(self);
+    [super dealloc];
+}
+
 - (void)sliderInit
 {
     tinyStep = 0.01;
@@ -232,6 +238,18 @@ NSString* _withoutSelfPrefix(NSString* keyPath)
 {
     const BOOL isPress = [[NSApp currentEvent] type] == NSLeftMouseDown;
     return (becomeFirstResponderOnClick || !isPress) && [super acceptsFirstResponder];
+}
+
+- (BOOL)becomeFirstResponder
+{
+    [self setNeedsDisplay:YES];
+    return [super becomeFirstResponder];
+}
+
+- (BOOL)resignFirstResponder
+{
+    [self setNeedsDisplay:YES];
+    return [super resignFirstResponder];
 }
 
 - (void)mouseDown:(NSEvent*)event
