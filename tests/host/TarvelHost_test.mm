@@ -56,7 +56,7 @@ protected:
     void start(std::vector<std::string> words)
     {
         setenv("LSAN_OPTIONS", "print_suppressions=0", 0); // no words of a sanitizer's in `err`
-        setenv("XDG_DATA_HOME", path("data").c_str(), 1); // leaves the user's own lists alone
+        setenv("XDG_DATA_HOME", path("data").c_str(), 1);  // leaves the user's own lists alone
         words.insert(words.begin(), TARVEL_HOST);
         std::vector<char*> arguments;
         for (std::string& word : words) {
