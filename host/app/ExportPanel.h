@@ -16,11 +16,11 @@ std::string exportName(const Recording& recording);
 /// Asks where the result should go, asks before a file that is there already is replaced, and
 /// writes it. Long work shows a bar and can be cancelled. Problems are shown to the user.
 /// @return  Path of the file that was written; empty when there is none. [main]
-std::string exportResult(std::shared_ptr<const TrimEngine> engine, const TrimPlan& plan);
+std::string exportResult(const std::shared_ptr<const TrimEngine>& engine, const TrimPlan& plan);
 
 /// Writes the result while a window with a bar and a Cancel button is shown; the window comes only
 /// when the work takes longer than a moment. Waits for the end, delivering events. [main]
-ExportResult exportWithProgress(std::shared_ptr<const TrimEngine> engine, const TrimPlan& plan,
-                                const ExportRequest& request);
+ExportResult exportWithProgress(const std::shared_ptr<const TrimEngine>& engine,
+                                const TrimPlan& plan, const ExportRequest& request);
 
 } // namespace host

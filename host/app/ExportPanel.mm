@@ -169,8 +169,8 @@ std::string exportName(const Recording& recording)
     return stem + " trimmed" + extensionOf(containerOf(recording).value_or(ExportContainer::Wav));
 }
 
-ExportResult exportWithProgress(std::shared_ptr<const TrimEngine> engine, const TrimPlan& plan,
-                                const ExportRequest& request)
+ExportResult exportWithProgress(const std::shared_ptr<const TrimEngine>& engine,
+                                const TrimPlan& plan, const ExportRequest& request)
 {
     const auto progress = std::make_shared<Progress>();
     std::future<ExportResult> result =
@@ -191,7 +191,7 @@ ExportResult exportWithProgress(std::shared_ptr<const TrimEngine> engine, const 
     return result.get();
 }
 
-std::string exportResult(std::shared_ptr<const TrimEngine> engine, const TrimPlan& plan)
+std::string exportResult(const std::shared_ptr<const TrimEngine>& engine, const TrimPlan& plan)
 {
     NSSavePanel* const panel = [NSSavePanel savePanel];
     [panel setTitle:@"Export"];
@@ -213,7 +213,7 @@ std::string exportResult(std::shared_ptr<const TrimEngine> engine, const TrimPla
     request.container = *container;
     // The panel has asked about a file that was there when the user chose its name.
     request.overwrite = XeFileSystem::isFilePresent(wide([panel filename]));
-    const ExportResult result = exportWithProgress(std::move(engine), plan, request);
+    const ExportResult result = exportWithProgress(engine, plan, request);
     if (result.status == ExportStatus::Done) {
         return request.target;
     }

@@ -164,7 +164,7 @@ const char* parameterName(AudioUnitParameterID parameter) { return findParameter
     m_engine = std::make_shared<const TrimEngine>(recording);
     [m_waveform setEngine:m_engine];
     m_effect->setRecording(recording);
-    const std::string problem = [self _restoreSettingsOf:*recording];
+    std::string problem = [self _restoreSettingsOf:*recording];
     [self _openEditor]; // an editor reads the length of the material only when it opens
     [self _startHistory];
     [self _say:fromUtf8(problem)];

@@ -361,8 +361,10 @@ bool usesThresholds(FunctionMode function)
     const CGFloat pixel = [self _pixel];
     constexpr CGFloat kDash = 4;
     std::vector<NSRect> dashes;
-    for (CGFloat x = std::floor(NSMinX(dirtyRect) / (2 * kDash)) * 2 * kDash; x < NSMaxX(dirtyRect);
-         x += 2 * kDash) {
+    const auto first = static_cast<long>(std::floor(NSMinX(dirtyRect) / (2 * kDash)));
+    const auto last = static_cast<long>(std::ceil(NSMaxX(dirtyRect) / (2 * kDash)));
+    for (long dash = first; dash < last; ++dash) {
+        const CGFloat x = static_cast<CGFloat>(dash) * 2 * kDash;
         dashes.push_back(NSMakeRect(x, NSMidY(lane) + height - pixel, kDash, pixel));
         dashes.push_back(NSMakeRect(x, NSMidY(lane) - height, kDash, pixel));
     }
