@@ -12,6 +12,7 @@
 #include <gmock/gmock.h>
 
 #include <cmath>
+#include <cstdlib>
 #include <filesystem>
 
 using namespace host;
@@ -253,8 +254,12 @@ TEST_F(EndToEnd, OpensTrimsAndExports)
     }
 }
 
+// Some sixty clicks: too many for a platform that misses the release of one in a hundred.
 TEST_F(EndToEnd, EveryFormatOfTheMenuIsShownAndTypedBack)
 {
+    if (std::getenv("TARVEL_MANY_CLICKS") == nullptr) {
+        GTEST_SKIP() << "the platform would miss the end of a click; TARVEL_MANY_CLICKS=1 tries";
+    }
     ASSERT_EQ([host openFile:take], "");
     ASSERT_TRUE(pickFromPopUp(control("functionPopupButton"), 2));
     ASSERT_TRUE(becomes(kFunctionParameter, 2));
