@@ -79,10 +79,10 @@ public:
     /// The sample count of a text, or nothing for a text that does not belong to the type.
     ///
     ///     clock time      "1:02:03.5", "62.5", decimal comma or point
-    ///     time code       "1:02:03:04", "1.2.3;4", "1-2-3-4", "304" (pairs from the right),
-    ///     "3:04*" measures        "5", "5:2", "5:2.1", from the left: measure, beat, tick film
-    ///     "12+3", "195" (frames) plain numbers   "1.5", "1,5"; whole numbers may be grouped,
-    ///     "1,234,567"; "50 %"
+    ///     time code       "1:02:03:04", "1.2.3;4", "1-2-3-4", "304" (pairs from the right)
+    ///     measures        "5", "5:2", "5:2.1", from the left: measure, beat, tick
+    ///     film            "12+3", "195" (frames)
+    ///     plain numbers   "1.5", "1,5"; whole numbers may be grouped, "1,234,567"; "50 %"
     ///
     /// White space around the text and one sign in front are allowed, missing fields are zero.
     /// Fields may be larger than a clock shows and carry upwards. "*" after time code is the second

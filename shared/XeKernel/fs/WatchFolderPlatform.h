@@ -5,10 +5,9 @@
 
 /// The system's side of a folder watch: a queue that collects changes to one folder.
 ///
-/// | field of the watch | macOS                                | Linux |
-/// |--------------------|--------------------------------------|-----------------------------------|
-/// | queue              | descriptor of a kqueue               | descriptor of an eventfd | |
-/// folder             | descriptor of the folder             | number of the watch with inotify  |
+///     field of the watch   macOS                      Linux
+///     queue                descriptor of a kqueue     descriptor of an eventfd
+///     folder               descriptor of the folder   number of the watch with inotify
 
 enum class FolderEvent { TimeOut, Change, Failure };
 
