@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/XeNativePath.h"
+#include "XeNativePath.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -4,8 +4,8 @@
 
 #include "core/XeFilePlatform.h"
 
+#include "XeNativePath.h"
 #include "XeSafeCRT.h"
-#include "core/XeNativePath.h"
 
 #include <fcntl.h>
 

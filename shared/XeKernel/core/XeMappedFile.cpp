@@ -1,9 +1,9 @@
 #include "XeFile.h"
 
+#include "XeNativePath.h"
 #include "XeSafeCRT.h"
 #include "core/XeFileAttributes.h"
 #include "core/XeFilePlatform.h"
-#include "core/XeNativePath.h"
 
 #include <boost/filesystem/operations.hpp>
 #include <boost/iostreams/device/mapped_file.hpp>

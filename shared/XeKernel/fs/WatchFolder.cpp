@@ -1,11 +1,11 @@
 #include "WatchFolder.h"
 
-#include "fs/VolumeMountPoint.h"
+#include "fs/LocalItem.h"
 #include "fs/WatchFolderPlatform.h"
 
 #include "XeFileSystem.h"
+#include "XeNativePath.h"
 #include "XeSafeCRT.h"
-#include "core/XeNativePath.h"
 
 #include <optional>
 #include <string>
@@ -39,8 +39,8 @@ XeResult WatchFolder::initWatch(const _XeString<wchar_t>& path, int cycle)
     if (m_queue >= 0) {
         return kXeAlreadyStarted;
     }
-    const std::optional<std::string> bytes = xenon::path::toNative(path);
-    if (!bytes || !XeFileSystem::isFolderPresent(path)) {
+    const std::optional<std::string> bytes = localPath(path.c_str());
+    if (!bytes || localType(path.c_str()) != boost::filesystem::directory_file) {
         return kXeNotWatchable;
     }
     if (cycle > 0) {

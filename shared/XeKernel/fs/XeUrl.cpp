@@ -228,4 +228,11 @@ XeResult parseMoniker(wchar_t const* moniker, _XeString<wchar_t>& path)
     return parseMoniker(moniker, path, tail);
 }
 
+void removeLastSeparator(_XeString<wchar_t>& path)
+{
+    if (path.size() > 1 && path.find_last_of(kSeparators) == path.size() - 1) {
+        path.pop_back();
+    }
+}
+
 } // namespace XeFileSystem

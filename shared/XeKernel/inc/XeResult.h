@@ -17,6 +17,7 @@ inline constexpr XeResult kXeThreadNotStarted     = static_cast<XeResult>(0x8004
 inline constexpr XeResult kXeNotWatchable         = static_cast<XeResult>(0x8004E011);
 inline constexpr XeResult kXeFileOperationFailed  = static_cast<XeResult>(0x8004E014);
 inline constexpr XeResult kXeOpenFailed           = static_cast<XeResult>(0x8004E015);
+inline constexpr XeResult kXeSourceFolderMissing  = static_cast<XeResult>(0x8004E016);
 inline constexpr XeResult kXeDestinationExists    = static_cast<XeResult>(0x8004E023);
 inline constexpr XeResult kXeRemoteVolumeGone     = static_cast<XeResult>(0x8004E195);
 // clang-format on

@@ -2,7 +2,7 @@
 
 #include "TemporaryFolder.h"
 #include "XeFile.h"
-#include "core/XeNativePath.h"
+#include "XeNativePath.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "core/XeNativePath.h"
+#include "XeNativePath.h"
 
 #include <gtest/gtest.h>
 

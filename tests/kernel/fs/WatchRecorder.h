@@ -3,7 +3,7 @@
 #include "IWatchFolder.h"
 #include "TemporaryFolder.h"
 #include "WatchFolder.h"
-#include "core/XeNativePath.h"
+#include "XeNativePath.h"
 
 #include <gtest/gtest.h>
 

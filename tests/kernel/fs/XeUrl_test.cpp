@@ -684,4 +684,31 @@ TEST(GetShorterUrl, FillsTheLimit)
     }
 }
 
+TEST(RemoveLastSeparator, TakesOneAwayAndLeavesOneThatIsAll)
+{
+    // clang-format off
+    constexpr struct {
+        const wchar_t* path;
+        const wchar_t* result;
+    } kRows[] = {
+        { L"/dir/",   L"/dir"   },
+        { L"/dir",    L"/dir"   },
+        { L"/dir//",  L"/dir/"  },
+        { L"C:\\d\\", L"C:\\d"  },
+        { L"a/\\",    L"a/"     },
+        { L"a/",      L"a"      },
+        { L"a",       L"a"      },
+        { L"//",      L"/"      },
+        { L"/",       L"/"      },
+        { L"\\",      L"\\"     },
+        { L"",        L""       },
+    };
+    // clang-format on
+    for (const auto& row : kRows) {
+        Text path = row.path;
+        removeLastSeparator(path);
+        EXPECT_EQ(path, row.result);
+    }
+}
+
 } // namespace

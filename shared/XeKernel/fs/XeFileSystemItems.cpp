@@ -1,0 +1,289 @@
+#include "XeFileSystem.h"
+
+#include "fs/LocalItem.h"
+#include "fs/NoThrow.h"
+#include "fs/RemoteVolume.h"
+#include "fs/XeFileSystemItemsPlatform.h"
+
+#include <boost/filesystem/directory.hpp>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace XeFileSystem {
+namespace {
+
+namespace bfs = boost::filesystem;
+using bfs::file_type;
+using xenon::network::IFileSystem;
+
+wchar_t const* _text(wchar_t const* path) { return path == nullptr ? L"" : path; }
+
+/// An item of the other kind has no answer, so only folders have one.
+std::optional<bool> _remoteFolderIsEmpty(const RemoteVolume& remote, wchar_t const* path)
+{
+    bool empty = false;
+    const bool answered = remote.call(&IFileSystem::isFolderEmpty, path, empty) >= 0;
+    return answered ? std::optional(empty) : std::nullopt;
+}
+
+bool _localFolderIsEmpty(wchar_t const* path)
+{
+    const auto bytes = localPath(path);
+    boost::system::error_code error;
+    return bytes && bfs::directory_iterator(*bytes, error) == bfs::directory_iterator() && !error;
+}
+
+/// Last name of a path, without the separators that may end it.
+std::wstring_view _lastName(std::wstring_view path)
+{
+    const std::size_t end = path.find_last_not_of(L'/');
+    path = path.substr(0, end == std::wstring_view::npos ? 0 : end + 1);
+    return path.substr(path.rfind(L'/') + 1);
+}
+
+/// Not so "." and "..", which stand for items of another name.
+bool _isNamedHidden(wchar_t const* path)
+{
+    const std::wstring_view name = _lastName(_text(path));
+    return name.starts_with(L'.') && name != L"." && name != L"..";
+}
+
+std::optional<struct stat> _statusOf(wchar_t const* path)
+{
+    const auto bytes = localPath(path);
+    struct stat status {};
+    return bytes && stat(bytes->c_str(), &status) == 0 ? std::optional(status) : std::nullopt;
+}
+
+bool _isFileReadonly(wchar_t const* path)
+{
+    const auto status = _statusOf(path);
+    if (!status || (status->st_mode & S_IWUSR) == 0) {
+        return status.has_value();
+    }
+    return S_ISDIR(status->st_mode) && access(localPath(path)->c_str(), W_OK) != 0;
+}
+
+bool _setFileReadonly(wchar_t const* path, bool readonly)
+{
+    constexpr mode_t kKept = 0xFFFF;
+    const auto status = _statusOf(path);
+    if (!status) {
+        return false;
+    }
+    const mode_t mode = status->st_mode & kKept;
+    return chmod(localPath(path)->c_str(), readonly ? mode & ~mode_t{S_IWUSR} : mode | S_IWUSR) ==
+           0;
+}
+
+bool _isLink(wchar_t const* path)
+{
+    const auto bytes = localPath(path);
+    struct stat status {};
+    return bytes && lstat(bytes->c_str(), &status) == 0 && S_ISLNK(status.st_mode);
+}
+
+/// One time alone can be set by the owner only; who may but write the item sets both or none.
+bool _touch(const std::string& path)
+{
+    const struct timespec onlyModified[] = {{0, UTIME_OMIT}, {0, UTIME_NOW}};
+    return utimensat(AT_FDCWD, path.c_str(), onlyModified, 0) == 0 ||
+           ((errno == EPERM || errno == EACCES) &&
+            utimensat(AT_FDCWD, path.c_str(), nullptr, 0) == 0);
+}
+
+bool _remoteStrictName(const RemoteVolume& remote, wchar_t const* path, _XeString<wchar_t>& name)
+{
+    _XeString<wchar_t> strict;
+    const _XeString<wchar_t> asked(_lastName(path));
+    const bool given = remote.call(&IFileSystem::strictFileName, asked, strict) >= 0;
+    if (given && !strict.empty()) {
+        name = std::move(strict);
+        return true;
+    }
+    return false;
+}
+
+} // namespace
+
+bool isFilePresent(wchar_t const* path)
+{
+    return noThrow(false, [&] {
+        if (const RemoteVolume remote(_text(path)); remote) {
+            std::int64_t size = 0;
+            return remote.call(&IFileSystem::getFileSize, path, size) >= 0;
+        }
+        return localType(path) == file_type::regular_file;
+    });
+}
+
+bool isFilePresent(_XeString<wchar_t> const& path) { return isFilePresent(path.c_str()); }
+
+bool isFolderPresent(wchar_t const* path)
+{
+    return noThrow(false, [&] {
+        if (const RemoteVolume remote(_text(path)); remote) {
+            return _remoteFolderIsEmpty(remote, path).has_value();
+        }
+        return localType(path) == file_type::directory_file;
+    });
+}
+
+bool isFolderPresent(_XeString<wchar_t> const& path) { return isFolderPresent(path.c_str()); }
+
+bool isFolder(wchar_t const* path) { return isFolderPresent(path); }
+
+bool isFolder(_XeString<wchar_t> const& path) { return isFolderPresent(path); }
+
+bool isFolderEmpty(wchar_t const* path)
+{
+    return noThrow(false, [&] {
+        if (const RemoteVolume remote(_text(path)); remote) {
+            return _remoteFolderIsEmpty(remote, path).value_or(false);
+        }
+        return _localFolderIsEmpty(path);
+    });
+}
+
+bool isFolderEmpty(_XeString<wchar_t> const& path) { return isFolderEmpty(path.c_str()); }
+
+XeResult getFileSize(wchar_t const* path, long long& size)
+{
+    return noThrow(kXeGeneralFailure, [&] {
+        std::int64_t found = 0;
+        XeResult result = kXeOk;
+        if (const RemoteVolume remote(_text(path)); remote) {
+            result = remote.call(&IFileSystem::getFileSize, path, found);
+        } else if (const auto local = localSize(path)) {
+            found = *local;
+        } else {
+            result = kXeGeneralFailure;
+        }
+        if (result >= 0) {
+            size = found;
+        }
+        return result;
+    });
+}
+
+long long getFileSize(wchar_t const* path)
+{
+    long long size = -1;
+    return getFileSize(path, size) >= 0 ? size : -1;
+}
+
+bool isHidden(wchar_t const* path)
+{
+    return noThrow(false, [&] { return _isNamedHidden(path) || _isMarkedHidden(_text(path)); });
+}
+
+bool isHidden(_XeString<wchar_t> const& path) { return isHidden(path.c_str()); }
+
+bool isFileReadonly(wchar_t const* path)
+{
+    return noThrow(false, [&] { return _isFileReadonly(path); });
+}
+
+bool isFileReadonly(_XeString<wchar_t> const& path) { return isFileReadonly(path.c_str()); }
+
+bool isFolderReadonly(wchar_t const* path) { return isFileReadonly(path); }
+
+bool isFolderReadonly(_XeString<wchar_t> const& path) { return isFileReadonly(path); }
+
+bool isFileLocked(wchar_t const* path)
+{
+    return noThrow(false, [&] { return _isFileLocked(_text(path)); });
+}
+
+bool isFileLocked(_XeString<wchar_t> const& path) { return isFileLocked(path.c_str()); }
+
+bool isFolderLocked(wchar_t const* path) { return isFileLocked(path); }
+
+bool isFolderLocked(_XeString<wchar_t> const& path) { return isFileLocked(path); }
+
+bool setLockFile(_XeString<wchar_t> const& path, bool lock)
+{
+    return noThrow(false, [&] { return _setLockFile(path.c_str(), lock); });
+}
+
+bool setFileReadonly(wchar_t const* path, bool readonly)
+{
+    return noThrow(false, [&] { return _setFileReadonly(path, readonly); });
+}
+
+XeResult touchLastModified(wchar_t const* path)
+{
+    return noThrow(kXeGeneralFailure, [&] {
+        const auto bytes = localPath(path);
+        return bytes && _touch(*bytes) ? kXeOk : kXeGeneralFailure;
+    });
+}
+
+XeResult getLastModified(wchar_t const* path, tFileTime& time)
+{
+    return noThrow(kXeGeneralFailure, [&] {
+        _ItemTimes times;
+        if (!_getTimes(_text(path), times)) {
+            return kXeGeneralFailure;
+        }
+        time = times.modified;
+        return kXeOk;
+    });
+}
+
+std::time_t getModifiedTime(wchar_t const* path)
+{
+    return noThrow(std::time_t{-1}, [&] {
+        _ItemTimes times;
+        return _getTimes(_text(path), times) ? std::time_t{times.modified.seconds} : -1;
+    });
+}
+
+std::time_t getCreationTime(wchar_t const* path)
+{
+    return noThrow(std::time_t{-1}, [&] {
+        _ItemTimes times;
+        return _getTimes(_text(path), times) ? std::time_t{times.created.seconds} : -1;
+    });
+}
+
+XeResult getFileAttribute(wchar_t const* path, tFileAtrribute& attribute)
+{
+    return noThrow(kXeGeneralFailure, [&] {
+        const auto status = _statusOf(path);
+        _ItemTimes times;
+        if (!status || !_getTimes(path, times)) {
+            return kXeGeneralFailure;
+        }
+        const bool folder = S_ISDIR(status->st_mode);
+        attribute = {.size = folder ? 0 : std::int64_t{status->st_size},
+                     .created = times.created,
+                     .modified = times.modified,
+                     .folder = folder,
+                     .link = _isLink(path),
+                     .hidden = isHidden(path),
+                     .readonly = isFileReadonly(path),
+                     .locked = isFileLocked(path)};
+        return kXeOk;
+    });
+}
+
+bool getStrictFileName(_XeString<wchar_t> const& path, _XeString<wchar_t>& name)
+{
+    return noThrow(false, [&] {
+        if (const RemoteVolume remote(path); remote) {
+            return _remoteStrictName(remote, path.c_str(), name);
+        }
+        return _getStrictFileName(path.c_str(), name);
+    });
+}
+
+} // namespace XeFileSystem

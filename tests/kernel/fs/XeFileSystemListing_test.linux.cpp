@@ -1,0 +1,63 @@
+#include "fs/XeFileSystemListing.linux.h"
+
+#include "TemporaryFolder.h"
+#include "XeNativePath.h"
+
+#include <gmock/gmock.h>
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+bool isBundle(std::string_view name)
+{
+    return name.ends_with(".bundle") || name == "AVCHD" || name == "PRIVATE" || name == "Avchd";
+}
+
+class PackageListing : public testing::Test {
+protected:
+    std::vector<std::string> listed(bool filesOnly) const
+    {
+        std::vector<_XeString<wchar_t>> out;
+        const auto path = xenon::path::fromNative(m_folder.path().native());
+        EXPECT_EQ(XeFileSystem::listBrowsable(path, out, filesOnly, isBundle), 0);
+        std::vector<std::string> names;
+        for (const auto& entry : out) {
+            names.push_back(fs::path(xenon::path::toNative(entry).value()).filename());
+        }
+        return names;
+    }
+
+    const TemporaryFolder m_folder;
+};
+
+TEST_F(PackageListing, PackagesAreNeitherFoldersNorFiles)
+{
+    fs::create_directories(m_folder / "one.bundle/contents");
+    fs::create_directory(m_folder / "folder");
+    m_folder.write("file.bundle", "x");
+    EXPECT_THAT(listed(false), testing::ElementsAre("folder"));
+    EXPECT_THAT(listed(true), testing::ElementsAre("file.bundle"));
+}
+
+TEST_F(PackageListing, CameraFoldersStayFoldersUnderExactlyTheirNames)
+{
+    for (const char* name : {"AVCHD", "PRIVATE", "Avchd"}) {
+        fs::create_directory(m_folder / name);
+    }
+    EXPECT_THAT(listed(false), testing::UnorderedElementsAre("AVCHD", "PRIVATE"));
+    EXPECT_THAT(listed(true), testing::IsEmpty());
+}
+
+TEST_F(PackageListing, LinkToAPackageIsNotOne)
+{
+    fs::create_directory(m_folder / "one.bundle");
+    fs::create_symlink("one.bundle", m_folder / "link.bundle");
+    EXPECT_THAT(listed(false), testing::ElementsAre("link.bundle"));
+}
+
+} // namespace
