@@ -5,7 +5,8 @@
 #include "host/effect/AudioFile.h"
 #include "host/effect/TrimEngine.h"
 
-#include <sys/stat.h>
+#include <XeFileSystem.h>
+#include <XeNativePath.h>
 
 #include <new>
 #include <set>
@@ -27,8 +28,7 @@ std::string resultName(const Recording& recording)
 
 bool isFolder(const std::string& path)
 {
-    struct stat status {};
-    return ::stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+    return XeFileSystem::isFolderPresent(xenon::path::fromNative(path));
 }
 
 class Batch {

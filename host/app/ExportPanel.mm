@@ -6,6 +6,7 @@
 #import "host/effect/AudioFile.h"
 
 #include <XeFileSystem.h>
+#include <XeNativePath.h>
 #include <XePath.h>
 #include <XeStringUtil.h>
 
@@ -24,13 +25,6 @@ constexpr CGFloat kMargin = 16;
 constexpr CGFloat kBarHeight = 6;
 
 NSString* fromUtf8(const std::string& text) { return [NSString stringWithUTF8String:text.c_str()]; }
-
-_XeString<wchar_t> wide(NSString* path)
-{
-    _XeString<wchar_t> text;
-    xeassign(text, [path UTF8String]);
-    return text;
-}
 
 /// Shared by the exporting thread and the panel.
 struct Progress {
@@ -212,7 +206,7 @@ std::string exportResult(const std::shared_ptr<const TrimEngine>& engine, const 
     }
     request.container = *container;
     // The panel has asked about a file that was there when the user chose its name.
-    request.overwrite = XeFileSystem::isFilePresent(wide([panel filename]));
+    request.overwrite = XeFileSystem::isFilePresent(xenon::path::fromNative(request.target));
     const ExportResult result = exportWithProgress(engine, plan, request);
     if (result.status == ExportStatus::Done) {
         return request.target;

@@ -21,6 +21,7 @@ void prepareFrameworks(const char* programName, double scale);
 } // namespace host
 
 /// The application. It ends when its window closes, and at once when it is told to by a signal.
+/// It looks for events from time to time while it waits, because the run loop may overlook one.
 @interface HostApplication : NSApplication {
 @private
     HostWindow* m_hostWindow; // owned

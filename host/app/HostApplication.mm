@@ -5,12 +5,13 @@
 #import "HostTheme.h"
 #import "Snapshot.h"
 
+#include <XeFileSystem.h>
 #include <XeHelp.h>
+#include <XeNativePath.h>
 
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
 
 namespace host {
 
@@ -41,7 +42,37 @@ void prepareFrameworks(const char* programName, double scale)
 
 } // namespace host
 
+namespace {
+
+// How long an event may lie unnoticed; an application at rest looks less often.
+constexpr NSTimeInterval kLookSecondsTracking = 0.02;
+constexpr NSTimeInterval kLookSeconds = 0.25;
+
+} // namespace
+
 @implementation HostApplication
+
+// What the run loop finds already read from the X server when it begins to wait, say by drawing, it
+// queues and then waits for more without looking at it. That would be the release of a button, and
+// the control that waits for it would seem to hang until the mouse is moved.
+- (NSEvent*)nextEventMatchingMask:(NSUInteger)mask
+                        untilDate:(NSDate*)limit
+                           inMode:(NSString*)mode
+                          dequeue:(BOOL)flag
+{
+    const BOOL isTracking = [mode isEqualToString:NSEventTrackingRunLoopMode];
+    const NSTimeInterval pause = isTracking ? kLookSecondsTracking : kLookSeconds;
+    NSDate* const end = limit != nil ? limit : [NSDate distantFuture];
+    NSEvent* event = nil;
+    do {
+        NSDate* const nextLook = [NSDate dateWithTimeIntervalSinceNow:pause];
+        event = [super nextEventMatchingMask:mask
+                                   untilDate:[nextLook earlierDate:end]
+                                      inMode:mode
+                                     dequeue:flag];
+    } while (event == nil && [end timeIntervalSinceNow] > 0);
+    return event;
+}
 
 + (HostApplication*)prepare
 {
@@ -102,20 +133,36 @@ void prepareFrameworks(const char* programName, double scale)
     [m_hostWindow openDocument:sender];
 }
 
+// The actions of the list change the list, and with it the menu that sends them. They wait until
+// the menu has let go of its items.
+
 - (void)openRecentDocument:(id)sender
 {
     const auto index = static_cast<std::size_t>([sender tag]);
     if (index >= m_recentFiles->paths().size()) {
         return;
     }
-    const std::string path = m_recentFiles->paths()[index];
-    if (!std::filesystem::exists(path)) {
+    const std::string& path = m_recentFiles->paths()[index];
+    [self performSelector:@selector(_openRecentPath:)
+               withObject:[NSData dataWithBytes:path.data() length:path.size()]
+               afterDelay:0];
+}
+
+- (void)_openRecentPath:(NSData*)bytes
+{
+    const std::string path(static_cast<const char*>([bytes bytes]), [bytes length]);
+    if (!XeFileSystem::isFilePresent(xenon::path::fromNative(path))) {
         m_recentFiles->remove(path);
     }
     [m_hostWindow openFileForUser:path];
 }
 
 - (void)clearRecentDocuments:(id)sender
+{
+    [self performSelector:@selector(_clearRecentPaths) withObject:nil afterDelay:0];
+}
+
+- (void)_clearRecentPaths
 {
     m_recentFiles->clear();
 }

@@ -196,6 +196,7 @@ const char* parameterName(AudioUnitParameterID parameter) { return findParameter
     const std::string message = [self openFile:path];
     if (!message.empty()) {
         NSRunAlertPanel(@"Open", @"%@", @"OK", nil, nil, fromUtf8(message));
+        [self _takeKeyboardBack];
     }
 }
 
@@ -205,6 +206,13 @@ const char* parameterName(AudioUnitParameterID parameter) { return findParameter
     if ([panel runModalForTypes:nil] == NSOKButton) {
         [self openFileForUser:[[panel filename] fileSystemRepresentation]];
     }
+    [self _takeKeyboardBack];
+}
+
+// From a panel that has closed. Not every window manager hands it on.
+- (void)_takeKeyboardBack
+{
+    [m_window makeKeyAndOrderFront:nil];
 }
 
 - (void)contentViewDidReceiveFile:(const std::string&)path
@@ -220,6 +228,7 @@ const char* parameterName(AudioUnitParameterID parameter) { return findParameter
     [m_window makeFirstResponder:nil]; // what is being typed counts
     [self _replan];
     const std::string path = exportResult(m_engine, m_plan);
+    [self _takeKeyboardBack];
     if (!path.empty()) {
         [self _say:fromUtf8("Exported to " + quotedPath(path))];
     }
@@ -394,6 +403,7 @@ const char* parameterName(AudioUnitParameterID parameter) { return findParameter
 - (void)editMusic:(id)sender
 {
     const std::optional<HostMusic> music = askForMusic(m_music);
+    [self _takeKeyboardBack];
     if (music) {
         [self setMusic:*music];
     }

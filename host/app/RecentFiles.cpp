@@ -2,46 +2,38 @@
 
 #include "PendingFile.h"
 
+#include <XeFileSystem.h>
+#include <XeNativePath.h>
+
 #include <algorithm>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <iterator>
-#include <system_error>
 #include <utility>
 
 namespace host {
-
-namespace fs = std::filesystem;
 
 namespace {
 
 // Ends each path: the one byte that no path holds.
 constexpr char kEnd = '\0';
 
-std::string environmentPath(const char* name)
-{
-    const char* const value = std::getenv(name);
-    return value != nullptr && value[0] == '/' ? value : "";
-}
+constexpr wchar_t kAppName[] = L"Tarvel";
+constexpr char kListName[] = "recent-files";
 
 } // namespace
 
 std::string RecentFiles::defaultPath()
 {
-    const std::string data = environmentPath("XDG_DATA_HOME");
-    if (!data.empty()) {
-        return data + "/tarvel/recent-files";
-    }
-    const std::string home = environmentPath("HOME");
-    return home.empty() ? "" : home + "/.local/share/tarvel/recent-files";
+    _XeString<wchar_t> folder;
+    const XeResult result = XeFileSystem::getSysAppFolder(folder, kSysFolderUserApplicationSupport,
+                                                          kAppName, false, false, 0, 0, nullptr);
+    return result < 0 ? "" : xenon::path::toNative(folder).value() + kListName;
 }
 
 RecentFiles::RecentFiles(std::string listPath) : m_listPath(std::move(listPath))
 {
-    std::ifstream list(m_listPath, std::ios::binary);
+    const auto list = XeFileSystem::openIStream(xenon::path::fromNative(m_listPath));
     std::string path;
-    while (m_paths.size() < kMost && std::getline(list, path, kEnd)) {
+    while (m_paths.size() < kMost && std::getline(*list, path, kEnd)) {
         if (!path.empty() && path[0] == '/') {
             m_paths.push_back(path);
         }
@@ -82,8 +74,8 @@ void RecentFiles::save() const
     if (m_listPath.empty()) {
         return;
     }
-    std::error_code error;
-    fs::create_directories(fs::path(m_listPath).parent_path(), error);
+    const std::string folder = m_listPath.substr(0, m_listPath.rfind('/') + 1);
+    XeFileSystem::createFolder(xenon::path::fromNative(folder).c_str());
     std::string bytes;
     for (const std::string& path : m_paths) {
         bytes += path + kEnd;

@@ -13,9 +13,8 @@ class RecentFiles {
 public:
     static constexpr std::size_t kMost = 10;
 
-    /// The list in the user's data folder: "tarvel/recent-files" in $XDG_DATA_HOME, or in
-    /// ~/.local/share where that is not an absolute path (XDG Base Directory Specification). Empty
-    /// when there is no home folder.
+    /// The list in the application's folder of the user's data, "VANTA/Tarvel/recent-files" in
+    /// ~/.local/share; see XeFileSystem::getSysAppFolder. Empty when there is no home folder.
     static std::string defaultPath();
 
     /// Reads the list. A file that is not there or not a list gives an empty one.

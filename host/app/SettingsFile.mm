@@ -5,11 +5,11 @@
 #import "host/loader/HostTry.h"
 #import "host/loader/SavedState.h"
 
+#include <XeFileSystem.h>
+#include <XeNativePath.h>
+
 #include <cmath>
 #include <cstring>
-#include <filesystem>
-#include <fstream>
-#include <system_error>
 
 namespace host {
 
@@ -115,15 +115,15 @@ std::string writeSettings(const std::string& path, NSData* data)
 
 std::string readSettings(const std::string& path, TarvelEffect& effect, HostMusic& music)
 {
-    std::error_code error;
-    if (!std::filesystem::exists(path, error) && !error) {
+    const _XeString<wchar_t> name = xenon::path::fromNative(path);
+    if (!XeFileSystem::isFilePresent(name) && !XeFileSystem::isFolderPresent(name)) {
         return "";
     }
-    std::ifstream file(path, std::ios::binary);
+    const auto file = XeFileSystem::openIStream(name);
     std::string bytes(kLargestFile, '\0');
-    file.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    file->read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
     NSData* const data = [NSData dataWithBytes:bytes.data()
-                                        length:static_cast<NSUInteger>(file.gcount())];
+                                        length:static_cast<NSUInteger>(file->gcount())];
     NSDictionary* const settings = dictionaryFrom(data);
     if (settings != nil && restore(settings, effect, music)) {
         return "";

@@ -3,10 +3,11 @@
 #import "HostOptions.h"
 #import "host/effect/AudioFile.h"
 
+#include <XeFileSystem.h>
+#include <XeNativePath.h>
+
 #include <cstdio>
-#include <filesystem>
 #include <iostream>
-#include <system_error>
 
 using namespace host;
 
@@ -33,9 +34,9 @@ void report(const std::string& message)
 /// The editor that lies beside the program.
 std::string bundleBesideProgram()
 {
-    std::error_code error;
-    const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", error);
-    return (program.parent_path() / kBundleName).string();
+    _XeString<wchar_t> folder;
+    XeFileSystem::getExecutableFolder(folder);
+    return xenon::path::toNative(folder).value() + "/" + kBundleName;
 }
 
 int run(const HostOptions& options, std::shared_ptr<const Recording> recording,

@@ -250,6 +250,18 @@ TEST_F(XeLabelTest, TextHasTheColorItWasGiven)
     EXPECT_EQ(Picture(m_control).countReddish(), 0);
 }
 
+TEST_F(XeLabelTest, NewColorIsShownWithoutAnotherReasonToDraw)
+{
+    [m_control setStringValue:@"Length"];
+    [m_control display];
+    ASSERT_FALSE([m_control needsDisplay]);
+    [m_control setTextColor:[NSColor lightGrayColor]];
+    EXPECT_TRUE([m_control needsDisplay]);
+    [m_control display];
+    [m_control setTextColor:[NSColor lightGrayColor]];
+    EXPECT_FALSE([m_control needsDisplay]);
+}
+
 using XeTextFieldCellTest = ControlsTest<XeThresholdField>;
 
 // One field editor serves the whole window of the host, and gets its own looks back however the

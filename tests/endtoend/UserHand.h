@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <string>
+#include <vector>
 
 /// A user's mouse and keyboard: what it does goes through the X server, as it does for users, while
 /// the application goes on. [main]
@@ -32,6 +33,17 @@ bool pickFromContextMenu(NSView* view, NSMenu* menu, NSInteger index);
 
 /// Opens a pop-up button and lets go over one of its items.
 bool pickFromPopUp(NSPopUpButton* button, NSInteger index);
+
+/// Chooses an item by the titles on the way to it, {"File", "Open Recent", "take.wav"}, as the
+/// platform does when the mouse lets go over it. The menus themselves stay closed: with the hand's
+/// speed the menu bar does not always follow the pointer.
+bool chooseFromMenuBar(const std::vector<std::string>& titles);
+
+/// The button with this title in the panel that has the event loop to itself; nil without one.
+NSButton* panelButton(const std::string& title);
+
+/// Clicks that button as soon as it is there, also while the panel has the event loop.
+void clickPanelButtonWhenShown(const std::string& title);
 
 /// Calls `then` as soon as `when` is true, also while a menu or a panel has the event loop.
 void whenever(std::function<bool()> when, std::function<void()> then);

@@ -2,6 +2,7 @@
 
 #import "GuiTest.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <utility>
 
@@ -57,30 +58,99 @@ std::string onScreen(NSWindow* window, NSPoint point)
     return text;
 }
 
-std::string centreOfItem(NSMenu* menu, NSInteger index)
+std::string centreOfRow(NSMenuView* list, NSInteger index)
 {
-    NSMenuView* const list = [menu menuRepresentation];
     const NSRect row = [list rectOfItemAtIndex:index];
-    const NSPoint centre = NSMakePoint(NSMinX(row) + 20, NSMidY(row));
+    // The title, which is the left end of an item in a menu.
+    const CGFloat x = NSMinX(row) + std::min(NSWidth(row) / 2, 20.0);
+    const NSPoint centre = NSMakePoint(x, NSMidY(row));
     return onScreen([list window], [list convertPoint:centre toView:nil]);
 }
 
-/// Presses a button; lets go over an item once the menu is there.
+bool isShown(NSMenu* menu) { return [[[menu menuRepresentation] window] isVisible]; }
+
+std::string centreOfItem(NSMenu* menu, NSInteger index)
+{
+    return centreOfRow([menu menuRepresentation], index);
+}
+
+/// Moves over an item of an open menu, and goes on once the menu has noticed.
+void moveOver(NSMenu* menu, NSInteger index, std::function<void()> then)
+{
+    launch("mousemove " + centreOfItem(menu, index));
+    whenever([menu, index] { return [[menu menuRepresentation] highlightedItemIndex] == index; },
+             std::move(then));
+}
+
+/// Another item that can be chosen and is not under the pointer yet; none: the same.
+NSInteger itemBeside(NSMenu* menu, NSInteger index)
+{
+    const NSInteger highlighted = [[menu menuRepresentation] highlightedItemIndex];
+    for (NSInteger other = 0; other < [menu numberOfItems]; ++other) {
+        NSMenuItem* const item = (NSMenuItem*)[menu itemAtIndex:other];
+        if (other != index && other != highlighted && ![item isSeparatorItem] && [item isEnabled]) {
+            return other;
+        }
+    }
+    return index;
+}
+
+/// Presses a button; lets go over an item once the menu is there. A menu in which the pointer stays
+/// on one item from the start takes this for a click that opens it, and stays open: the pointer
+/// comes by another item.
 bool pressAndPick(const std::string& place, int button, NSMenu* menu, NSInteger index)
 {
     const std::string number = std::to_string(button);
     bool released = false;
-    whenever([menu] { return [[[menu menuRepresentation] window] isVisible]; },
+    whenever([menu] { return isShown(menu); },
              [&released, menu, index, number] {
-                 released = true;
-                 const std::string item = centreOfItem(menu, index);
-                 launch("mousemove " + item +
-                        " sleep 0.05 mousemove_relative 1 0 sleep 0.05 mouseup " + number);
+                 moveOver(menu, itemBeside(menu, index), [&released, menu, index, number] {
+                     moveOver(menu, index, [&released, number] {
+                         released = true;
+                         launch("mouseup " + number);
+                     });
+                 });
              });
     launch("mousemove " + place + " mousedown " + number);
-    return gui_test::pumpUntil(
-        [&released, menu] { return released && ![[[menu menuRepresentation] window] isVisible]; },
-        kTimeLimit);
+    return gui_test::pumpUntil([&released, menu] { return released && !isShown(menu); },
+                               kTimeLimit);
+}
+
+/// An item of a menu.
+struct MenuPlace {
+    NSMenu* menu;
+    NSInteger index;
+};
+
+/// The items on the way from the menu bar; empty when there is none of such a name.
+std::vector<MenuPlace> placesInMenuBar(const std::vector<std::string>& titles)
+{
+    std::vector<MenuPlace> places;
+    NSMenu* menu = [NSApp mainMenu];
+    for (const std::string& title : titles) {
+        const NSInteger index = [menu indexOfItemWithTitle:@(title.c_str())];
+        if (menu == nil || index < 0) {
+            return {};
+        }
+        places.push_back({menu, index});
+        menu = [[menu itemAtIndex:index] submenu];
+    }
+    return places;
+}
+
+NSButton* buttonBelow(NSView* view, NSString* title)
+{
+    for (NSView* part in [view subviews]) {
+        if ([part isKindOfClass:[NSButton class]] &&
+            [[(NSButton*)part title] isEqualToString:title]) {
+            return (NSButton*)part;
+        }
+        NSButton* const button = buttonBelow(part, title);
+        if (button != nil) {
+            return button;
+        }
+    }
+    return nil;
 }
 
 } // namespace
@@ -142,6 +212,31 @@ bool pickFromContextMenu(NSView* view, NSMenu* menu, NSInteger index)
 bool pickFromPopUp(NSPopUpButton* button, NSInteger index)
 {
     return pressAndPick(at(button, 0.3, 0.5), 1, [button menu], index);
+}
+
+bool chooseFromMenuBar(const std::vector<std::string>& titles)
+{
+    const std::vector<MenuPlace> places = placesInMenuBar(titles);
+    if (places.empty()) {
+        return false;
+    }
+    [places.back().menu update];
+    [places.back().menu performActionForItemAtIndex:places.back().index];
+    return true;
+}
+
+NSButton* panelButton(const std::string& title)
+{
+    return buttonBelow([[NSApp modalWindow] contentView], @(title.c_str()));
+}
+
+void clickPanelButtonWhenShown(const std::string& title)
+{
+    whenever([title] { return panelButton(title) != nil && [[NSApp modalWindow] isKeyWindow]; },
+             [title] {
+                 launch("mousemove " + at(panelButton(title), 0.5, 0.5) +
+                        " mousedown 1 sleep 0.03 mouseup 1");
+             });
 }
 
 } // namespace user_hand

@@ -84,11 +84,11 @@ TEST_F(RecentFilesTest, LiesInTheUsersDataFolder)
     const std::string before = std::getenv("XDG_DATA_HOME") ? std::getenv("XDG_DATA_HOME") : "";
     const std::string home = std::getenv("HOME");
     setenv("XDG_DATA_HOME", "/data", 1);
-    EXPECT_EQ(RecentFiles::defaultPath(), "/data/tarvel/recent-files");
+    EXPECT_EQ(RecentFiles::defaultPath(), "/data/VANTA/Tarvel/recent-files");
     setenv("XDG_DATA_HOME", "relative", 1);
-    EXPECT_EQ(RecentFiles::defaultPath(), home + "/.local/share/tarvel/recent-files");
+    EXPECT_EQ(RecentFiles::defaultPath(), home + "/.local/share/VANTA/Tarvel/recent-files");
     unsetenv("XDG_DATA_HOME");
-    EXPECT_EQ(RecentFiles::defaultPath(), home + "/.local/share/tarvel/recent-files");
+    EXPECT_EQ(RecentFiles::defaultPath(), home + "/.local/share/VANTA/Tarvel/recent-files");
     before.empty() ? unsetenv("XDG_DATA_HOME") : setenv("XDG_DATA_HOME", before.c_str(), 1);
 }
 

@@ -39,4 +39,13 @@
     return self;
 }
 
+// One platform draws a label anew only for a new text.
+- (void)setTextColor:(NSColor*)color
+{
+    if (![color isEqual:[self textColor]]) {
+        [super setTextColor:color];
+        [self setNeedsDisplay:YES];
+    }
+}
+
 @end
