@@ -4,6 +4,7 @@
 
 #import "HelpWindow.h"
 #import "HostWindow.h"
+#import "MenuKeys.h"
 #import "RecentFiles.h"
 
 #include <memory>
@@ -21,11 +22,13 @@ void prepareFrameworks(const char* programName, double scale);
 } // namespace host
 
 /// The application. It ends when its window closes, and at once when it is told to by a signal.
-/// It looks for events from time to time while it waits, because the run loop may overlook one.
+/// It looks for events from time to time while it waits, because the run loop may overlook one, and
+/// lets the keyboard choose in open menus.
 @interface HostApplication : NSApplication {
 @private
     HostWindow* m_hostWindow; // owned
     HelpWindow* m_help;       // owned
+    MenuKeys* m_menuKeys;     // owned
     std::unique_ptr<host::RecentFiles> m_recentFiles;
     std::string m_snapshotPath;
 }

@@ -5,6 +5,8 @@
 #import "HostTheme.h"
 #import "Snapshot.h"
 
+#import <GNUstepGUI/GSDisplayServer.h>
+
 #include <XeFileSystem.h>
 #include <XeHelp.h>
 #include <XeNativePath.h>
@@ -50,15 +52,33 @@ constexpr NSTimeInterval kLookSeconds = 0.25;
 
 } // namespace
 
+// The connection to the X server.
+@interface NSObject (Mouse)
+- (void)initializeMouse;
+@end
+
 @implementation HostApplication
+
+// At the first press of a button the connection asks the notification daemon to tell it of new mouse
+// settings. The release that arrives before the daemon's answer would be queued before the press,
+// and the control that was clicked would wait for it. So this is done before there are presses.
+- (void)finishLaunching
+{
+    GSDisplayServer* const server = GSCurrentServer();
+    if ([server respondsToSelector:@selector(initializeMouse)]) {
+        [server initializeMouse];
+    }
+    m_menuKeys = [[MenuKeys alloc] init];
+    [super finishLaunching];
+}
 
 // What the run loop finds already read from the X server when it begins to wait, say by drawing, it
 // queues and then waits for more without looking at it. That would be the release of a button, and
 // the control that waits for it would seem to hang until the mouse is moved.
-- (NSEvent*)nextEventMatchingMask:(NSUInteger)mask
-                        untilDate:(NSDate*)limit
-                           inMode:(NSString*)mode
-                          dequeue:(BOOL)flag
+- (NSEvent*)_lookForEventMatchingMask:(NSUInteger)mask
+                            untilDate:(NSDate*)limit
+                               inMode:(NSString*)mode
+                              dequeue:(BOOL)flag
 {
     const BOOL isTracking = [mode isEqualToString:NSEventTrackingRunLoopMode];
     const NSTimeInterval pause = isTracking ? kLookSecondsTracking : kLookSeconds;
@@ -72,6 +92,25 @@ constexpr NSTimeInterval kLookSeconds = 0.25;
                                      dequeue:flag];
     } while (event == nil && [end timeIntervalSinceNow] > 0);
     return event;
+}
+
+- (NSEvent*)nextEventMatchingMask:(NSUInteger)mask
+                        untilDate:(NSDate*)limit
+                           inMode:(NSString*)mode
+                          dequeue:(BOOL)flag
+{
+    const BOOL isForMenu =
+        [m_menuKeys isInUse] && flag && [mode isEqualToString:NSEventTrackingRunLoopMode];
+    NSEvent* event = nil;
+    NSEvent* taken = nil;
+    do {
+        event = [self _lookForEventMatchingMask:isForMenu ? mask | NSKeyDownMask : mask
+                                      untilDate:limit
+                                         inMode:mode
+                                        dequeue:flag];
+        taken = isForMenu && event != nil ? [m_menuKeys eventForMenu:event] : event;
+    } while (event != nil && taken == nil);
+    return taken;
 }
 
 + (HostApplication*)prepare
@@ -97,6 +136,7 @@ constexpr NSTimeInterval kLookSeconds = 0.25;
 - (void)dealloc
 {
     [m_hostWindow release];
+    [m_menuKeys release];
     [m_help release];
     [super dealloc];
 }

@@ -81,6 +81,12 @@ constexpr CGFloat kMenuItemHeight = 24;
     [defaults setVolatileDomain:arguments forName:NSArgumentDomain];
 }
 
+// A click opens a pop-up menu, which stays until the next one; else a release would close it at once.
+- (BOOL)doesProcessEventsForPopUpMenu
+{
+    return YES;
+}
+
 - (NSColorList*)colors
 {
     NSColorList* const colors = [[[NSColorList alloc] initWithName:@"System"] autorelease];

@@ -10,6 +10,12 @@
 /// the application goes on. [main]
 namespace user_hand {
 
+/// Keeps from now on what the application takes from its queue of events, the last few hundred.
+void recordEvents();
+
+/// Prints them, which window has the keyboard and where the pointer is, and starts anew.
+void tellEvents();
+
 /// Runs xdotool with these words, separated by blanks; false when it failed or did not end in time.
 bool xdotool(const std::string& words);
 
@@ -27,6 +33,8 @@ std::string at(NSView* view, double x, double y);
 /// Drags from one point of a view to another in small steps.
 bool drag(NSView* view, NSPoint from, NSPoint to);
 bool click(NSView* view, double x = 0.5, double y = 0.5);
+
+bool isOpen(NSMenu* menu);
 
 /// Opens the context menu of a view with the right button, and lets go over one of its items.
 bool pickFromContextMenu(NSView* view, NSMenu* menu, NSInteger index);

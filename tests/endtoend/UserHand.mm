@@ -2,8 +2,11 @@
 
 #import "GuiTest.h"
 
+#include <objc/runtime.h>
+
 #include <algorithm>
 #include <cstdio>
+#include <deque>
 #include <utility>
 
 /// Looks again and again whether its time has come.
@@ -29,6 +32,28 @@
 namespace user_hand {
 
 namespace {
+
+std::deque<std::string> s_events;
+IMP s_nextEvent;
+
+NSEvent* recordNextEvent(id self, SEL selector, NSUInteger mask, NSDate* limit, NSString* mode,
+                         BOOL dequeue)
+{
+    using Next = NSEvent* (*)(id, SEL, NSUInteger, NSDate*, NSString*, BOOL);
+    NSEvent* const event =
+        reinterpret_cast<Next>(s_nextEvent)(self, selector, mask, limit, mode, dequeue);
+    if (event != nil && dequeue && [event type] != NSPeriodic) {
+        constexpr std::size_t kMost = 300;
+        char now[32];
+        std::snprintf(now, sizeof now, "%.3f", [NSDate timeIntervalSinceReferenceDate]);
+        s_events.push_back(now + std::string(" ") + [mode UTF8String] + ": " +
+                           [[event description] UTF8String]);
+        if (s_events.size() > kMost) {
+            s_events.pop_front();
+        }
+    }
+    return event;
+}
 
 constexpr double kTimeLimit = 15; // seconds
 constexpr NSTimeInterval kLookSeconds = 0.01;
@@ -67,8 +92,6 @@ std::string centreOfRow(NSMenuView* list, NSInteger index)
     return onScreen([list window], [list convertPoint:centre toView:nil]);
 }
 
-bool isShown(NSMenu* menu) { return [[[menu menuRepresentation] window] isVisible]; }
-
 std::string centreOfItem(NSMenu* menu, NSInteger index)
 {
     return centreOfRow([menu menuRepresentation], index);
@@ -102,7 +125,7 @@ bool pressAndPick(const std::string& place, int button, NSMenu* menu, NSInteger 
 {
     const std::string number = std::to_string(button);
     bool released = false;
-    whenever([menu] { return isShown(menu); },
+    whenever([menu] { return isOpen(menu); },
              [&released, menu, index, number] {
                  moveOver(menu, itemBeside(menu, index), [&released, menu, index, number] {
                      moveOver(menu, index, [&released, number] {
@@ -112,7 +135,7 @@ bool pressAndPick(const std::string& place, int button, NSMenu* menu, NSInteger 
                  });
              });
     launch("mousemove " + place + " mousedown " + number);
-    return gui_test::pumpUntil([&released, menu] { return released && !isShown(menu); },
+    return gui_test::pumpUntil([&released, menu] { return released && !isOpen(menu); },
                                kTimeLimit);
 }
 
@@ -171,6 +194,34 @@ void whenever(std::function<bool()> when, std::function<void()> then)
     }
 }
 
+void recordEvents()
+{
+    s_nextEvent = method_setImplementation(
+        class_getInstanceMethod([NSApp class],
+                                @selector(nextEventMatchingMask:untilDate:inMode:dequeue:)),
+        reinterpret_cast<IMP>(recordNextEvent));
+}
+
+void tellEvents()
+{
+    for (const std::string& event : s_events) {
+        std::fprintf(stderr, "%s\n", event.c_str());
+    }
+    s_events.clear();
+    std::fprintf(stderr, "now %.3f\n", [NSDate timeIntervalSinceReferenceDate]);
+    for (NSWindow* window in [NSApp windows]) {
+        const NSRect frame = [window frame];
+        std::fprintf(stderr, "window %ld \"%s\" %s at %.0f,%.0f %.0fx%.0f, responder %s%s%s\n",
+                     static_cast<long>([window windowNumber]), [[window title] UTF8String],
+                     [window isVisible] ? "shown" : "hidden", NSMinX(frame), NSMinY(frame),
+                     NSWidth(frame), NSHeight(frame),
+                     [[[window firstResponder] description] UTF8String],
+                     [window isKeyWindow] ? ", key" : "",
+                     [NSApp modalWindow] == window ? ", modal" : "");
+    }
+    xdotool("getmouselocation getwindowfocus");
+}
+
 void start(const std::string& words) { launch(words); }
 
 bool xdotool(const std::string& words) { return waitFor(launch(words)); }
@@ -203,6 +254,8 @@ bool click(NSView* view, double x, double y)
 {
     return xdotool("mousemove " + at(view, x, y) + " mousedown 1 sleep 0.03 mouseup 1");
 }
+
+bool isOpen(NSMenu* menu) { return [[[menu menuRepresentation] window] isVisible]; }
 
 bool pickFromContextMenu(NSView* view, NSMenu* menu, NSInteger index)
 {

@@ -2,6 +2,10 @@
 
 #import "GuiTest.h"
 
+#include <cstdio>
+#include <cstdlib>
+#include <vector>
+
 /// Queues an event from within the run loop, which does not look at what it has queued.
 @interface LateEvent : NSObject
 @end
@@ -35,6 +39,32 @@ TEST(HostApplication, SeesAnEventThatTheRunLoopQueuedWhileItWaits)
                                                 dequeue:YES];
     EXPECT_NE(event, nil);
     EXPECT_LT(-[start timeIntervalSinceNow], 15);
+    [window close];
+    [window release];
+}
+
+// Only the first click of a process could fail.
+TEST(HostApplication, TakesPressAndReleaseInOrderWhenBothHaveBeenWaiting)
+{
+    REQUIRE_DISPLAY();
+    NSWindow* const window = gui_test::makeWindow(NSMakeSize(100, 100));
+    const NSPoint place = [window convertBaseToScreen:NSMakePoint(50, 50)];
+    char words[64];
+    std::snprintf(words, sizeof words, "xdotool mousemove %.0f %.0f click 1", place.x,
+                  NSHeight([[window screen] frame]) - place.y);
+    gui_test::pump(0); // what is under way to the X server
+    ASSERT_EQ(std::system(words), 0);
+    std::vector<NSEventType> types;
+    NSDate* const limit = [NSDate dateWithTimeIntervalSinceNow:5];
+    while (types.size() < 2 && [limit timeIntervalSinceNow] > 0) {
+        NSEvent* const event =
+            [NSApp nextEventMatchingMask:NSLeftMouseDownMask | NSLeftMouseUpMask
+                               untilDate:limit
+                                  inMode:NSEventTrackingRunLoopMode
+                                 dequeue:YES];
+        types.push_back(event != nil ? [event type] : NSEventType{});
+    }
+    EXPECT_EQ(types, (std::vector<NSEventType>{NSLeftMouseDown, NSLeftMouseUp}));
     [window close];
     [window release];
 }
