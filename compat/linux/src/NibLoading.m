@@ -1,3 +1,6 @@
+// The library counts objects in every program, but its header tells released ones nothing of it.
+#undef NDEBUG
+
 #import "NibLoading.h"
 
 #import <Foundation/NSDebug.h>
