@@ -8,7 +8,10 @@
 // mouse and sets the parameter, and the host plans and draws as before. A plain slider of the
 // platform in the editor's place is its peer. Needs a display; without one it says so.
 
+#import "BenchRunLoop.h"
 #import "host/app/HostApplication.h"
+
+#include "BenchRecording.h"
 
 #include <AudioToolbox/AudioToolbox.h>
 
@@ -21,9 +24,9 @@
 #include <cstdlib>
 #include <ctime>
 #include <memory>
-#include <random>
 
 using namespace host;
+using bench::pump;
 
 namespace {
 
@@ -45,42 +48,6 @@ double cpuSeconds()
     timespec used{};
     clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &used);
     return static_cast<double>(used.tv_sec) + static_cast<double>(used.tv_nsec) * 1e-9;
-}
-
-/// Two seconds of tone, one of faint noise, and so on.
-std::shared_ptr<const Recording> tenMinutes()
-{
-    constexpr unsigned kRate = 48000;
-    constexpr unsigned kChannels = 2;
-    auto recording = std::make_shared<Recording>();
-    recording->sampleRate = kRate;
-    recording->channels = kChannels;
-    recording->samples.resize(std::size_t{kRate} * 600 * kChannels);
-    std::minstd_rand random(1);
-    std::uniform_real_distribution<double> noise(-0.0003, 0.0003);
-    for (std::size_t i = 0; i < recording->samples.size(); ++i) {
-        const double seconds = static_cast<double>(i / kChannels) / kRate;
-        const double level = std::fmod(seconds, 3.0) < 2.0 ? 0.3 : 0.0;
-        recording->samples[i] =
-            static_cast<float>(level * std::sin(seconds * 2000) + noise(random));
-    }
-    return recording;
-}
-
-void pump(double seconds)
-{
-    NSDate* const until = [NSDate dateWithTimeIntervalSinceNow:seconds];
-    do {
-        @autoreleasepool {
-            NSEvent* const event = [NSApp nextEventMatchingMask:NSAnyEventMask
-                                                      untilDate:until
-                                                         inMode:NSDefaultRunLoopMode
-                                                        dequeue:YES];
-            if (event != nil) {
-                [NSApp sendEvent:event];
-            }
-        }
-    } while ([until timeIntervalSinceNow] > 0);
 }
 
 } // namespace
@@ -211,7 +178,7 @@ NSView* prepare(HostWindow* window, Controls controls)
 void drag(benchmark::State& state, Controls controls)
 {
     @autoreleasepool {
-        static const std::shared_ptr<const Recording> recording = tenMinutes();
+        static const std::shared_ptr<const Recording> recording = bench::tenMinutesOfStereo();
         HostWindow* const window = [[HostWindow alloc] initWithBundle:EDITOR_BUNDLE
                                                               factory:"TarvelCocoaViewFactory"];
         [window showRecording:recording];

@@ -5,6 +5,8 @@
 #import <AudioToolbox/AudioToolbox.h>
 #import <AudioUnit/AUCocoaUIView.h>
 
+#import "BenchRunLoop.h"
+
 #include "host/effect/TarvelEffect.h"
 
 #include <benchmark/benchmark.h>
@@ -15,6 +17,8 @@
 #include <cstdlib>
 #include <ctime>
 #include <thread>
+
+using bench::pump;
 
 namespace {
 
@@ -32,22 +36,6 @@ double cpuSeconds(clockid_t clock)
     timespec now{};
     clock_gettime(clock, &now);
     return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
-}
-
-void pump(double seconds)
-{
-    NSDate* const until = [NSDate dateWithTimeIntervalSinceNow:seconds];
-    do {
-        @autoreleasepool {
-            NSEvent* const event = [NSApp nextEventMatchingMask:NSAnyEventMask
-                                                      untilDate:until
-                                                         inMode:NSDefaultRunLoopMode
-                                                        dequeue:YES];
-            if (event != nil) {
-                [NSApp sendEvent:event];
-            }
-        }
-    } while ([until timeIntervalSinceNow] > 0);
 }
 
 void automate(AudioUnit unit, float value)

@@ -2,44 +2,21 @@
 // pass over all samples, which is what analysis without the kept peaks would have to make at
 // least.
 
+#include "BenchRecording.h"
 #include "host/effect/TrimEngine.h"
 
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
 #include <cmath>
-#include <memory>
-#include <random>
 
 using namespace host;
 
 namespace {
 
-constexpr unsigned kRate = 48000;
-constexpr unsigned kChannels = 2;
-constexpr unsigned kSeconds = 600;
-
-/// Two seconds of tone, one of faint noise, and so on.
-std::shared_ptr<const Recording> makeRecording()
-{
-    auto recording = std::make_shared<Recording>();
-    recording->sampleRate = kRate;
-    recording->channels = kChannels;
-    recording->samples.resize(std::size_t{kRate} * kSeconds * kChannels);
-    std::minstd_rand random(1);
-    std::uniform_real_distribution<double> noise(-0.0003, 0.0003);
-    for (std::size_t i = 0; i < recording->samples.size(); ++i) {
-        const double seconds = static_cast<double>(i / kChannels) / kRate;
-        const double level = std::fmod(seconds, 3.0) < 2.0 ? 0.3 : 0.0;
-        recording->samples[i] =
-            static_cast<float>(level * std::sin(seconds * 2000) + noise(random));
-    }
-    return recording;
-}
-
 const TrimEngine& engine()
 {
-    static const TrimEngine engine(makeRecording());
+    static const TrimEngine engine(bench::tenMinutesOfStereo());
     return engine;
 }
 
@@ -82,7 +59,7 @@ void renderAll(benchmark::State& state)
     TrimSettings settings;
     settings.function = FunctionMode::RemoveSilence;
     const TrimPlan plan = engine().plan(settings);
-    std::vector<float> block(std::size_t{4096} * kChannels);
+    std::vector<float> block(std::size_t{4096} * engine().recording().channels);
     for (auto _ : state) {
         std::uint64_t done = 0;
         while (const auto got = engine().render(plan, done, 4096, block.data())) {

@@ -1,5 +1,6 @@
 // The program as a script calls it: many files, some of them bad, no display, and killed midway.
 
+#include "RunningProgram.h"
 #include "SoundFiles.h"
 #include "TemporaryFolder.h"
 
@@ -48,13 +49,6 @@ struct Start {
 class BatchProgramTest : public testing::Test {
 protected:
     BatchProgramTest() { makeFolder("out"); }
-    ~BatchProgramTest() override
-    {
-        if (m_process > 0) {
-            kill(m_process, SIGKILL);
-            waitpid(m_process, nullptr, 0);
-        }
-    }
 
     std::string path(const std::string& name) const { return m_folder.path(name); }
 
@@ -74,30 +68,19 @@ protected:
         arguments.push_back(nullptr);
         m_folder.write("stdout", "");
         m_folder.write("stderr", "");
-        m_process = fork();
-        if (m_process == 0) {
+        const pid_t process = fork();
+        if (process == 0) {
             become(start);
             // Nothing of a desktop: no display, no home.
             const char* const environment[] = {"LSAN_OPTIONS=print_suppressions=0", nullptr};
             execve(TARVEL_HOST, arguments.data(), const_cast<char**>(environment));
             _exit(kCannotStart);
         }
+        m_program.take(process);
     }
 
     /// Waits for the end; the raw status, or -1 when it did not come in time.
-    int status()
-    {
-        const auto limit = std::chrono::steady_clock::now() + kTimeLimit;
-        while (std::chrono::steady_clock::now() < limit) {
-            int status = 0;
-            if (waitpid(m_process, &status, WNOHANG) == m_process) {
-                m_process = 0;
-                return status;
-            }
-            std::this_thread::sleep_for(std::chrono::milliseconds(1));
-        }
-        return -1;
-    }
+    int status() { return m_program.status(kTimeLimit); }
 
     int exitCodeOf(const Start& what)
     {
@@ -110,7 +93,7 @@ protected:
     std::string errors() const { return TemporaryFolder::contents(path("stderr")); }
 
     TemporaryFolder m_folder;
-    pid_t m_process = 0;
+    RunningProgram m_program; // ends before its folder goes
 
 private:
     // In the child.
@@ -414,7 +397,7 @@ TEST_F(KilledBatchTest, LeavesOnlyWholeFilesWheneverItIsKilled)
         }
         // Somewhere in the next file, at another place every time.
         std::this_thread::sleep_for(std::chrono::microseconds(lines * 700));
-        kill(m_process, SIGKILL);
+        kill(m_program.process(), SIGKILL);
         killed += WIFSIGNALED(status()) ? 1 : 0;
         expectNoDamage();
         EXPECT_GE(m_folder.names("out").size(), static_cast<std::size_t>(lines));

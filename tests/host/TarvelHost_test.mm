@@ -2,6 +2,9 @@
 
 #import "GuiTest.h"
 
+#include "RunningProgram.h"
+#include "TemporaryFolder.h"
+
 #include <gmock/gmock.h>
 
 #include <fcntl.h>
@@ -13,13 +16,9 @@
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <sstream>
 #include <string>
-#include <thread>
 #include <vector>
 
-namespace fs = std::filesystem;
 using testing::HasSubstr;
 using testing::StartsWith;
 
@@ -27,30 +26,9 @@ namespace {
 
 constexpr auto kTimeLimit = std::chrono::seconds(30);
 
-std::string contents(const fs::path& path)
-{
-    std::ostringstream text;
-    text << std::ifstream(path).rdbuf();
-    return text.str();
-}
-
 class TarvelHostTest : public testing::Test {
 protected:
-    TarvelHostTest()
-    {
-        std::string pattern = (fs::temp_directory_path() / "tarvel-host-XXXXXX").string();
-        m_folder = mkdtemp(pattern.data());
-    }
-    ~TarvelHostTest() override
-    {
-        if (m_process > 0) {
-            kill(m_process, SIGKILL);
-            waitpid(m_process, nullptr, 0);
-        }
-        fs::remove_all(m_folder);
-    }
-
-    std::string path(const std::string& name) const { return (m_folder / name).string(); }
+    std::string path(const std::string& name) const { return m_folder.path(name); }
 
     /// Starts the program with its output in files: a pipe would stay open in daemons it starts.
     void start(std::vector<std::string> words)
@@ -68,25 +46,15 @@ protected:
         posix_spawn_file_actions_addopen(&files, 0, "/dev/null", O_RDONLY, 0);
         posix_spawn_file_actions_addopen(&files, 1, path("out").c_str(), O_WRONLY | O_CREAT, 0600);
         posix_spawn_file_actions_addopen(&files, 2, path("err").c_str(), O_WRONLY | O_CREAT, 0600);
-        ASSERT_EQ(posix_spawn(&m_process, TARVEL_HOST, &files, nullptr, arguments.data(), environ),
+        pid_t process = 0;
+        ASSERT_EQ(posix_spawn(&process, TARVEL_HOST, &files, nullptr, arguments.data(), environ),
                   0);
+        m_program.take(process);
         posix_spawn_file_actions_destroy(&files);
     }
 
     /// Waits for the end; the raw status, or -1 when it did not come in time.
-    int status()
-    {
-        const auto limit = std::chrono::steady_clock::now() + kTimeLimit;
-        while (std::chrono::steady_clock::now() < limit) {
-            int status = 0;
-            if (waitpid(m_process, &status, WNOHANG) == m_process) {
-                m_process = 0;
-                return status;
-            }
-            std::this_thread::sleep_for(std::chrono::milliseconds(10));
-        }
-        return -1;
-    }
+    int status() { return m_program.status(kTimeLimit); }
 
     int exitCodeOf(std::vector<std::string> words)
     {
@@ -95,15 +63,15 @@ protected:
         return WIFEXITED(ended) ? WEXITSTATUS(ended) : -1;
     }
 
-    std::string output() const { return contents(m_folder / "out"); }
-    std::string errors() const { return contents(m_folder / "err"); }
+    std::string output() const { return TemporaryFolder::contents(path("out")); }
+    std::string errors() const { return TemporaryFolder::contents(path("err")); }
 
     /// The window of that title, as xdotool knows it; empty when none comes in time.
     std::string waitForWindow(const std::string& title) const
     {
         const std::string command = "timeout 20 xdotool search --sync --onlyvisible --name '^" +
                                     title + "$' > " + path("window");
-        return std::system(command.c_str()) == 0 ? contents(path("window")) : "";
+        return std::system(command.c_str()) == 0 ? TemporaryFolder::contents(path("window")) : "";
     }
 
     void startWithSample()
@@ -120,10 +88,10 @@ protected:
         EXPECT_EQ(WEXITSTATUS(ended), 0);
     }
 
-    pid_t m_process = 0;
+    RunningProgram m_program; // ends before its folder goes
 
 private:
-    fs::path m_folder;
+    TemporaryFolder m_folder;
 };
 
 const std::vector<std::string> kTestView = {"--bundle", TEST_VIEW_BUNDLE};
@@ -162,7 +130,7 @@ TEST_F(TarvelHostTest, SnapshotEndsWithThePathOfThePicture)
     const std::string picture = path("window.png");
     EXPECT_EQ(exitCodeOf(withTestView({"--snapshot", picture, SAMPLE_RECORDING})), 0) << errors();
     EXPECT_EQ(output(), picture + "\n");
-    EXPECT_THAT(contents(picture), StartsWith("\x89PNG"));
+    EXPECT_THAT(TemporaryFolder::contents(picture), StartsWith("\x89PNG"));
 }
 
 TEST_F(TarvelHostTest, ScaleMultipliesThePixels)
@@ -227,7 +195,7 @@ TEST_F(TarvelHostTest, TerminationSignalEndsItAtOnce)
 {
     REQUIRE_DISPLAY();
     startWithSample();
-    kill(m_process, SIGTERM);
+    kill(m_program.process(), SIGTERM);
     const int ended = status();
     EXPECT_TRUE(WIFSIGNALED(ended));
     EXPECT_EQ(WTERMSIG(ended), SIGTERM);
@@ -237,5 +205,5 @@ TEST_F(TarvelHostTest, MissingEditorStillShowsTheWindow)
 {
     REQUIRE_DISPLAY();
     EXPECT_EQ(exitCodeOf({"--bundle", "/nowhere/Gone.bundle", "--snapshot", path("a.png")}), 0);
-    EXPECT_TRUE(fs::exists(path("a.png")));
+    EXPECT_TRUE(std::filesystem::exists(path("a.png")));
 }

@@ -24,19 +24,30 @@ bool _isLetter(wchar_t c) { return (c >= L'a' && c <= L'z') || (c >= L'A' && c <
 
 bool _isExponentMark(wchar_t c) { return c == L'e' || c == L'E'; }
 
+const wchar_t* _skipSpace(const NumericStyle& style, const wchar_t* at, const wchar_t* end)
+{
+    while (at != end && style.isSpace(*at)) {
+        ++at;
+    }
+    return at;
+}
+
+/// Passes over white space and a sign, which may be missing. Returns where they end.
+const wchar_t* _readSign(const NumericStyle& style, const wchar_t* at, const wchar_t* end,
+                         bool& negative)
+{
+    at = _skipSpace(style, at, end);
+    negative = at != end && *at == L'-';
+    return at != end && (negative || *at == L'+') ? at + 1 : at;
+}
+
 template <class Integer>
 const wchar_t* _readInteger(const wchar_t* begin, const wchar_t* end, Integer& out)
 {
     using Unsigned = std::make_unsigned_t<Integer>; // wraps where the signed type must not
     const NumericStyle& style = currentNumericStyle();
-    const wchar_t* at = begin;
-    while (at != end && style.isSpace(*at)) {
-        ++at;
-    }
-    const bool negative = at != end && *at == L'-';
-    if (at != end && (negative || *at == L'+')) {
-        ++at;
-    }
+    bool negative = false;
+    const wchar_t* at = _readSign(style, begin, end, negative);
     Unsigned value = 0;
     for (; at != end; ++at) {
         if (const std::uint32_t digit = digitValue(*at); digit < 10) {
@@ -46,10 +57,7 @@ const wchar_t* _readInteger(const wchar_t* begin, const wchar_t* end, Integer& o
         }
     }
     out = static_cast<Integer>(negative ? Unsigned{0} - value : value);
-    while (at != end && style.isSpace(*at)) {
-        ++at;
-    }
-    return at;
+    return _skipSpace(style, at, end);
 }
 
 /// Copies the characters of one unsigned number, without thousands separators, to `number`.
@@ -110,14 +118,8 @@ const wchar_t* _readDecimal(const wchar_t* begin, const wchar_t* end, double& ou
 {
     const NumericStyle& style = currentNumericStyle();
     out = 0;
-    const wchar_t* at = begin;
-    while (at != end && style.isSpace(*at)) {
-        ++at;
-    }
-    const bool negative = at != end && *at == L'-';
-    if (at != end && (negative || *at == L'+')) {
-        ++at;
-    }
+    bool negative = false;
+    const wchar_t* at = _readSign(style, begin, end, negative);
     _NumberText number;
     at = _collectNumber(style, at, end, number);
     const double value = _convertNumber(style, number);
