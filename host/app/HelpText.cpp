@@ -59,6 +59,10 @@ const std::vector<HelpParagraph> kEditorPage = {
     {Kind::Term,    "Escape", "Back to the value before typing"},
     {Kind::Term,    "Up, Down, wheel", "Step the part of a length that holds the caret: hours, seconds, frames"},
     {Kind::Term,    "Menu key, Shift+F10", "The format menu"},
+    {Kind::Heading, "", "Keys in an open menu"},
+    {Kind::Term,    "Arrows, Home, End", "Another item; the first arrow goes to the ticked one"},
+    {Kind::Term,    "Return, space", "Take the item"},
+    {Kind::Term,    "Escape", "Close the menu"},
 };
 // clang-format on
 

@@ -47,7 +47,8 @@ TEST(HelpText, EditorPageExplainsEveryControlAndItsKeys)
                              "Escape",
                              "Tab",
                              "Up, Down, wheel",
-                             "Menu key"}) {
+                             "Menu key",
+                             "Return, space"}) {
         EXPECT_TRUE(mentions(kEditorTopic, word)) << word;
     }
 }
