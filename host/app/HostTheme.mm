@@ -55,6 +55,7 @@ const ColorRow kColors[] = {
 
 NSString* const kThemeName = @"tarvel-host";
 constexpr CGFloat kMenuItemHeight = 24;
+constexpr CGFloat kTickSize = 10;
 
 } // namespace
 
@@ -67,6 +68,36 @@ constexpr CGFloat kMenuItemHeight = 24;
     [GSTheme setTheme:theme];
     [theme release];
     [self _nameInDefaults];
+    [self _installTick];
+}
+
++ (void)_drawTick:(NSImageRep*)image
+{
+    const CGFloat size = kTickSize;
+    NSBezierPath* const path = [NSBezierPath bezierPath];
+    [path moveToPoint:NSMakePoint(0.1 * size, 0.5 * size)];
+    [path lineToPoint:NSMakePoint(0.4 * size, 0.2 * size)];
+    [path lineToPoint:NSMakePoint(0.9 * size, 0.85 * size)];
+    [path setLineWidth:0.15 * size];
+    [look::text() set];
+    [path stroke];
+}
+
+// The platform's tick is black, which nobody sees on the ground of these menus.
++ (void)_installTick
+{
+    NSCustomImageRep* const drawing =
+        [[[NSCustomImageRep alloc] initWithDrawSelector:@selector(_drawTick:)
+                                               delegate:self] autorelease];
+    [drawing setSize:NSMakeSize(kTickSize, kTickSize)];
+    NSImage* const tick =
+        [[[NSImage alloc] initWithSize:NSMakeSize(kTickSize, kTickSize)] autorelease];
+    [tick setCacheMode:NSImageCacheNever]; // sharp at every scale
+    [tick addRepresentation:drawing];
+    NSImage* const black = [NSImage imageNamed:@"NSMenuCheckmark"];
+    NSString* const name = [[[black name] copy] autorelease]; // the platform has another one for it
+    [black setName:nil];
+    [tick setName:name];
 }
 
 // At every change of the user defaults the framework installs the theme they name, unless that is
@@ -81,7 +112,8 @@ constexpr CGFloat kMenuItemHeight = 24;
     [defaults setVolatileDomain:arguments forName:NSArgumentDomain];
 }
 
-// A click opens a pop-up menu, which stays until the next one; else a release would close it at once.
+// A click opens a pop-up menu, which stays until the next one; else a release would close it at
+// once.
 - (BOOL)doesProcessEventsForPopUpMenu
 {
     return YES;

@@ -12,6 +12,7 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <filesystem>
@@ -373,13 +374,14 @@ TEST_F(EndToEnd, FormatAndFunctionAreChosenWithTheKeyboard)
     NSMenu* const formats = [control("fadeInLengthTextField") menu];
     const NSInteger shown = [formats indexOfItemWithTag:format()];
     ASSERT_TRUE(user_hand::click(control("fadeInLengthTextField")));
-    ASSERT_TRUE(
-        gui_test::pumpUntil([&] { return [control("fadeInLengthTextField") currentEditor] != nil; }));
+    ASSERT_TRUE(gui_test::pumpUntil(
+        [&] { return [control("fadeInLengthTextField") currentEditor] != nil; }));
     whenever([formats] { return user_hand::isOpen(formats); },
              [] { user_hand::start("key Down key Down key Return"); });
     ASSERT_TRUE(key("shift+F10"));
-    EXPECT_TRUE(gui_test::pumpUntil(
-        [&] { return !user_hand::isOpen(formats) && [formats indexOfItemWithTag:format()] > shown; }));
+    EXPECT_TRUE(gui_test::pumpUntil([&] {
+        return !user_hand::isOpen(formats) && [formats indexOfItemWithTag:format()] > shown;
+    }));
 
     // A menu that a click has opened.
     NSMenu* const functions = [control("functionPopupButton") menu];
@@ -395,6 +397,30 @@ TEST_F(EndToEnd, FormatAndFunctionAreChosenWithTheKeyboard)
     EXPECT_TRUE(gui_test::pumpUntil([functions] { return !user_hand::isOpen(functions); }));
     EXPECT_EQ(parameter(kFunctionParameter), 3);
     EXPECT_EQ([control("functionPopupButton") indexOfSelectedItem], 3);
+}
+
+TEST_F(EndToEnd, TickOfAMenuIsSeenOnItsDarkGround)
+{
+    NSMenuItem* const item = [[[NSMenuItem alloc] init] autorelease];
+    NSImage* const tick = [item onStateImage];
+    const NSRect place = {NSZeroPoint, [tick size]};
+    NSImage* const ground = [[[NSImage alloc] initWithSize:place.size] autorelease];
+    [ground lockFocus];
+    [[[GSTheme theme] menuBackgroundColor] set];
+    NSRectFill(place);
+    [tick compositeToPoint:NSZeroPoint operation:NSCompositeSourceOver];
+    NSBitmapImageRep* const pixels =
+        [[[NSBitmapImageRep alloc] initWithFocusedViewRect:place] autorelease];
+    [ground unlockFocus];
+    double brightest = 0;
+    for (NSInteger y = 0; y < [pixels pixelsHigh]; ++y) {
+        for (NSInteger x = 0; x < [pixels pixelsWide]; ++x) {
+            NSColor* const color =
+                [[pixels colorAtX:x y:y] colorUsingColorSpaceName:NSCalibratedRGBColorSpace];
+            brightest = std::max(brightest, double{[color brightnessComponent]});
+        }
+    }
+    EXPECT_GT(brightest, 0.7);
 }
 
 TEST_F(EndToEnd, GesturesAreUndoneAndRedoneByKeys)
