@@ -134,7 +134,7 @@ TEST_P(ListingFaults, WhatWasFoundBeforeTheFailureStays)
 {
     std::set<std::size_t> counts;
     for (unsigned long nth = 1; nth <= 8; ++nth) {
-        const FailingCallPlan plan{kFailReadFolder, nth, EIO, kFailWithError, true};
+        const FailingCallPlan plan{kFailReadFolder, nth, EIO, kFailWithError, true, nullptr};
         Paths out;
         EXPECT_EQ(listWith(plan, out), kFailed);
         counts.insert(out.size());
@@ -157,7 +157,7 @@ TEST_P(ListingFaults, InterruptedCallsAreMadeAgain)
 // Some file systems do not keep the types of entries in the folder.
 TEST_P(ListingFaults, EntriesWithoutATypeAreLookedUp)
 {
-    const FailingCallPlan plan{kFailReadFolder, 1, 0, kFailUntyped, true};
+    const FailingCallPlan plan{kFailReadFolder, 1, 0, kFailUntyped, true, nullptr};
     Paths out;
     EXPECT_EQ(listWith(plan, out), 0);
     EXPECT_TRUE(areSame(out, m_all));
@@ -191,7 +191,7 @@ TEST_P(ListingFaults, EntryThatDisappearsIsLeftOut)
 
 TEST_P(ListingFaults, FolderThatDisappearsDuringTheWalkIsNoFailure)
 {
-    const FailingCallPlan plan{kFailOpen, 2, ENOENT, kFailWithError, true};
+    const FailingCallPlan plan{kFailOpen, 2, ENOENT, kFailWithError, true, nullptr};
     Paths out;
     EXPECT_EQ(listWith(plan, out), 0);
     EXPECT_EQ(out.size() < m_all.size(), GetParam().recursive);
