@@ -24,8 +24,6 @@ namespace bfs = boost::filesystem;
 using bfs::file_type;
 using xenon::network::IFileSystem;
 
-wchar_t const* _text(wchar_t const* path) { return path == nullptr ? L"" : path; }
-
 /// An item of the other kind has no answer, so only folders have one.
 std::optional<bool> _remoteFolderIsEmpty(const RemoteVolume& remote, wchar_t const* path)
 {
@@ -52,7 +50,7 @@ std::wstring_view _lastName(std::wstring_view path)
 /// Not so "." and "..", which stand for items of another name.
 bool _isNamedHidden(wchar_t const* path)
 {
-    const std::wstring_view name = _lastName(_text(path));
+    const std::wstring_view name = _lastName(givenText(path));
     return name.starts_with(L'.') && name != L"." && name != L"..";
 }
 
@@ -117,7 +115,7 @@ bool _remoteStrictName(const RemoteVolume& remote, wchar_t const* path, _XeStrin
 bool isFilePresent(wchar_t const* path)
 {
     return noThrow(false, [&] {
-        if (const RemoteVolume remote(_text(path)); remote) {
+        if (const RemoteVolume remote(path); remote) {
             std::int64_t size = 0;
             return remote.call(&IFileSystem::getFileSize, path, size) >= 0;
         }
@@ -130,7 +128,7 @@ bool isFilePresent(_XeString<wchar_t> const& path) { return isFilePresent(path.c
 bool isFolderPresent(wchar_t const* path)
 {
     return noThrow(false, [&] {
-        if (const RemoteVolume remote(_text(path)); remote) {
+        if (const RemoteVolume remote(path); remote) {
             return _remoteFolderIsEmpty(remote, path).has_value();
         }
         return localType(path) == file_type::directory_file;
@@ -146,7 +144,7 @@ bool isFolder(_XeString<wchar_t> const& path) { return isFolderPresent(path); }
 bool isFolderEmpty(wchar_t const* path)
 {
     return noThrow(false, [&] {
-        if (const RemoteVolume remote(_text(path)); remote) {
+        if (const RemoteVolume remote(path); remote) {
             return _remoteFolderIsEmpty(remote, path).value_or(false);
         }
         return _localFolderIsEmpty(path);
@@ -160,7 +158,7 @@ XeResult getFileSize(wchar_t const* path, long long& size)
     return noThrow(kXeGeneralFailure, [&] {
         std::int64_t found = 0;
         XeResult result = kXeOk;
-        if (const RemoteVolume remote(_text(path)); remote) {
+        if (const RemoteVolume remote(path); remote) {
             result = remote.call(&IFileSystem::getFileSize, path, found);
         } else if (const auto local = localSize(path)) {
             found = *local;
@@ -182,7 +180,7 @@ long long getFileSize(wchar_t const* path)
 
 bool isHidden(wchar_t const* path)
 {
-    return noThrow(false, [&] { return _isNamedHidden(path) || _isMarkedHidden(_text(path)); });
+    return noThrow(false, [&] { return _isNamedHidden(path) || _isMarkedHidden(givenText(path)); });
 }
 
 bool isHidden(_XeString<wchar_t> const& path) { return isHidden(path.c_str()); }
@@ -200,7 +198,7 @@ bool isFolderReadonly(_XeString<wchar_t> const& path) { return isFileReadonly(pa
 
 bool isFileLocked(wchar_t const* path)
 {
-    return noThrow(false, [&] { return _isFileLocked(_text(path)); });
+    return noThrow(false, [&] { return _isFileLocked(givenText(path)); });
 }
 
 bool isFileLocked(_XeString<wchar_t> const& path) { return isFileLocked(path.c_str()); }
@@ -231,7 +229,7 @@ XeResult getLastModified(wchar_t const* path, tFileTime& time)
 {
     return noThrow(kXeGeneralFailure, [&] {
         _ItemTimes times;
-        if (!_getTimes(_text(path), times)) {
+        if (!_getTimes(givenText(path), times)) {
             return kXeGeneralFailure;
         }
         time = times.modified;
@@ -243,7 +241,7 @@ std::time_t getModifiedTime(wchar_t const* path)
 {
     return noThrow(std::time_t{-1}, [&] {
         _ItemTimes times;
-        return _getTimes(_text(path), times) ? std::time_t{times.modified.seconds} : -1;
+        return _getTimes(givenText(path), times) ? std::time_t{times.modified.seconds} : -1;
     });
 }
 
@@ -251,7 +249,7 @@ std::time_t getCreationTime(wchar_t const* path)
 {
     return noThrow(std::time_t{-1}, [&] {
         _ItemTimes times;
-        return _getTimes(_text(path), times) ? std::time_t{times.created.seconds} : -1;
+        return _getTimes(givenText(path), times) ? std::time_t{times.created.seconds} : -1;
     });
 }
 

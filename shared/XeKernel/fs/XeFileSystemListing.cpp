@@ -39,8 +39,6 @@ using Paths = std::vector<Path>;
 using Links = FolderReader::Links;
 using xenon::network::IFileSystem;
 
-wchar_t const* _text(wchar_t const* text) { return text == nullptr ? L"" : text; }
-
 /// Fills a list of its own, since the path may be a text in `out`, and keeps what `list` has found
 /// before a failure.
 template <typename List>
@@ -182,24 +180,24 @@ XeResult _addAttributes(Paths files, std::vector<std::pair<Path, tFileAtrribute>
 XeResult getBrowsableSubFolders(wchar_t const* path, Paths& out)
 {
     return _listInto(out, [&](Paths& found) {
-        if (const RemoteVolume remote(_text(path)); remote) {
-            return _listRemoteFolders(remote, _text(path), found);
+        if (const RemoteVolume remote(path); remote) {
+            return _listRemoteFolders(remote, givenText(path), found);
         }
-        return _getBrowsableContentsInFolder(_text(path), found, false);
+        return _getBrowsableContentsInFolder(givenText(path), found, false);
     });
 }
 
 XeResult getBrowsableSubFoldersNative(wchar_t const* path, Paths& out)
 {
     return _listInto(out, [&](Paths& found) {
-        return _getBrowsableContentsInFolder(_text(path), found, false);
+        return _getBrowsableContentsInFolder(givenText(path), found, false);
     });
 }
 
 XeResult getBrowsableFilesInFolder(wchar_t const* path, Paths& out)
 {
     return _listInto(
-        out, [&](Paths& found) { return _getBrowsableContentsInFolder(_text(path), found, true); });
+        out, [&](Paths& found) { return _getBrowsableContentsInFolder(givenText(path), found, true); });
 }
 
 XeResult
@@ -218,22 +216,22 @@ XeResult getFilesInFolder(wchar_t const* path, wchar_t const* pattern, bool recu
                           bool includeHidden)
 {
     return _listInto(out, [&](Paths& found) {
-        const Wanted wanted{_text(pattern), false, includeHidden};
-        return _listWanted(_text(path), wanted, found, recursive);
+        const Wanted wanted{givenText(pattern), false, includeHidden};
+        return _listWanted(givenText(path), wanted, found, recursive);
     });
 }
 
 XeResult getFilesAndFoldersInFolder(wchar_t const* path, wchar_t const* pattern, Paths& out)
 {
     return _listInto(out, [&](Paths& found) {
-        return _listWanted(_text(path), {_text(pattern), true, false}, found, false);
+        return _listWanted(givenText(path), {givenText(pattern), true, false}, found, false);
     });
 }
 
 XeResult getSubFolders(wchar_t const* path, bool recursive, Paths& out)
 {
     const XeResult result = _listInto(
-        out, [&](Paths& found) { return _listSubFolders(_text(path), recursive, found); });
+        out, [&](Paths& found) { return _listSubFolders(givenText(path), recursive, found); });
     std::reverse(out.begin(), out.end());
     return result;
 }
