@@ -8,9 +8,11 @@
 #include "fs/NoThrow.h"
 #include "fs/RemoteVolume.h"
 #include "fs/Wildcard.h"
+#include "fs/XeFileSystemItemsPlatform.h"
 #include "fs/XeFileSystemListingPlatform.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstddef>
 #include <utility>
 
@@ -36,15 +38,16 @@ namespace {
 
 using Path = _XeString<wchar_t>;
 using Paths = std::vector<Path>;
+using AttributedPaths = std::vector<std::pair<Path, tFileAtrribute>>;
 using Links = FolderReader::Links;
 using xenon::network::IFileSystem;
 
 /// Fills a list of its own, since the path may be a text in `out`, and keeps what `list` has found
 /// before a failure.
-template <typename List>
-XeResult _listInto(Paths& out, List list)
+template <typename Out, typename List>
+XeResult _listInto(Out& out, List list)
 {
-    Paths found;
+    Out found;
     const XeResult result = noThrow(kXeGeneralFailure, [&] { return list(found); });
     out = std::move(found);
     return result;
@@ -159,20 +162,25 @@ XeResult _listRemoteFolders(const RemoteVolume& remote, const Path& path, Paths&
     return result;
 }
 
+XeResult _getBrowsableContentsInFolder(const Path& path, Paths& out, bool filesOnly)
+{
+    return _browseFolder(path, filesOnly,
+                         [&](const _BrowsedItem& item) { out.push_back(std::move(item.path)); });
+}
+
 /// What has disappeared since it was listed is left out, which is no failure.
-XeResult _addAttributes(Paths files, std::vector<std::pair<Path, tFileAtrribute>>& out)
+XeResult _getBrowsableFilesWithAttribute(const Path& path, AttributedPaths& out)
 {
     bool whole = true;
-    out.reserve(files.size());
-    for (Path& file : files) {
+    const XeResult result = _browseFolder(path, true, [&](const _BrowsedItem& item) {
         tFileAtrribute attribute;
-        if (getFileAttribute(file.c_str(), attribute) >= 0) {
-            out.emplace_back(std::move(file), attribute);
+        if (_readAttribute(item.folder, item.name, attribute)) {
+            out.emplace_back(std::move(item.path), attribute);
         } else {
-            whole = whole && localType(file.c_str()) == boost::filesystem::file_not_found;
+            whole = whole && (errno == ENOENT || errno == ENOTDIR);
         }
-    }
-    return whole ? kXeOk : kXeGeneralFailure;
+    });
+    return whole ? result : kXeGeneralFailure;
 }
 
 } // namespace
@@ -196,20 +204,18 @@ XeResult getBrowsableSubFoldersNative(wchar_t const* path, Paths& out)
 
 XeResult getBrowsableFilesInFolder(wchar_t const* path, Paths& out)
 {
-    return _listInto(
-        out, [&](Paths& found) { return _getBrowsableContentsInFolder(givenText(path), found, true); });
+    return _listInto(out, [&](Paths& found) {
+        return _getBrowsableContentsInFolder(givenText(path), found, true);
+    });
 }
 
 XeResult
 getBrowsableFilesWithAttribute(wchar_t const* path,
                                std::vector<std::pair<_XeString<wchar_t>, tFileAtrribute>>& out)
 {
-    Paths files;
-    const XeResult result = getBrowsableFilesInFolder(path, files);
-    out.clear();
-    const XeResult added =
-        noThrow(kXeGeneralFailure, [&] { return _addAttributes(std::move(files), out); });
-    return result < 0 ? result : added;
+    return _listInto(out, [&](AttributedPaths& found) {
+        return _getBrowsableFilesWithAttribute(givenText(path), found);
+    });
 }
 
 XeResult getFilesInFolder(wchar_t const* path, wchar_t const* pattern, bool recursive, Paths& out,
