@@ -66,11 +66,13 @@ std::optional<struct stat> _statusOf(wchar_t const* path)
     return bytes && stat(bytes->c_str(), &status) == 0 ? std::optional(status) : std::nullopt;
 }
 
+/// Sockets and block devices carry the folders' bit in their type, too.
 /// @param folder  And `name`, as for _readStatus.
 bool _isReadonly(mode_t mode, int folder, const char* name)
 {
+    constexpr mode_t kFolderBit = 0040000;
     return (mode & S_IWUSR) == 0 ||
-           (S_ISDIR(mode) && faccessat(folder, name, W_OK, 0) != 0);
+           ((mode & kFolderBit) != 0 && faccessat(folder, name, W_OK, 0) != 0);
 }
 
 bool _isFileReadonly(wchar_t const* path)
