@@ -2,6 +2,7 @@
 
 #include "XeNativePath.h"
 #include "XeSafeCRT.h"
+#include "core/XeFilePlatform.h"
 #include "fs/FolderReader.h"
 #include "fs/ListedPath.h"
 #include "fs/LocalItem.h"
@@ -59,7 +60,7 @@ XeResult _listInto(Out& out, List list)
 template <typename Take>
 bool _readFolder(const Path& folder, Links links, Take take)
 {
-    const auto bytes = xenon::path::toNative(folder);
+    const auto bytes = _systemPath(folder);
     FolderReader reader(bytes ? bytes->c_str() : "", links);
     for (FolderEntry entry; reader.next(entry);) {
         take(entry, reader);
