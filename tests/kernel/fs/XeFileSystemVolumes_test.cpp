@@ -109,6 +109,15 @@ TEST(VolumeOfNoPath, HasNoFormat)
     }
 }
 
+TEST(VolumeOfNoPath, HasNoTypeName)
+{
+    for (const wchar_t* path : kNoSuchPaths) {
+        std::string name = "before";
+        EXPECT_EQ(XeFileSystem::_getFileSystemName(path, name), kFailure);
+        EXPECT_EQ(name, "");
+    }
+}
+
 TEST(VolumeOfNoPath, HasTheMediaTypeUnknown)
 {
     for (const wchar_t* path : kNoSuchPaths) {
