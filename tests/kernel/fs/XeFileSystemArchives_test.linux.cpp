@@ -4,7 +4,7 @@
 #include "ProgramBeside.linux.h"
 #include "SmallVolume.linux.h"
 #include "TemporaryFolder.h"
-#include "XeNativePath.h"
+#include "WidePath.h"
 #include "fs/ChildProcess.linux.h"
 #include "fs/XeFileSystemArchivesPlatform.h"
 
@@ -14,6 +14,7 @@
 #include <sched.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <cstdint>
 #include <filesystem>
@@ -27,8 +28,6 @@ using Text = _XeString<wchar_t>;
 
 constexpr auto kZipFailed = static_cast<XeResult>(0x8004E014);
 constexpr auto kUnzipFailed = static_cast<XeResult>(0x8004E015);
-
-Text wide(const fs::path& path) { return xenon::path::fromNative(path.native()); }
 
 XeResult zip(const fs::path& folder, const fs::path& archive)
 {
@@ -144,6 +143,7 @@ TEST_F(ArchivesOnLinux, EntriesStayInsideTheFolder)
     EXPECT_FALSE(fs::exists(m_folder / "escaped"));
     EXPECT_FALSE(fs::exists(m_folder.path().parent_path() / "escaped"));
 }
+
 /// A program that writes down its folder and arguments, and ends as it is told.
 std::string notingTool(const std::string& log, int status)
 {
@@ -212,7 +212,6 @@ TEST_F(NotingTools, FailWithAnyStatusButZero)
     }
 }
 
-
 /// A copy of the probe, beside which a tool for large archives can be put.
 class LargeArchive : public testing::Test {
 protected:
@@ -223,7 +222,6 @@ protected:
         fs::copy_file(TARVEL_FILE_SYSTEM_PROBE, m_folder / "bin/probe");
     }
 
-    /// A tool that writes down its folder and arguments.
     void addTool(int status) const
     {
         fs::create_directories(m_folder / "bin/Contents/unzip64");

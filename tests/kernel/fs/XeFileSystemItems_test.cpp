@@ -4,6 +4,7 @@
 #include "MemoryFileSystem.h"
 #include "OrdinaryUser.h"
 #include "TemporaryFolder.h"
+#include "WidePath.h"
 #include "XeNativePath.h"
 #include "XePath.h"
 
@@ -25,8 +26,6 @@ using Text = _XeString<wchar_t>;
 
 class Presence : public testing::Test {
 protected:
-    static Text wide(const fs::path& path) { return xenon::path::fromNative(path.native()); }
-
     fs::path file(const std::string& name) const
     {
         std::ofstream(m_folder / name) << "x";
@@ -229,7 +228,6 @@ TEST(ItemFunctions, WorkOnNamesThatAreNotUtf8)
 
 class Items : public testing::Test {
 protected:
-    static Text wide(const fs::path& path) { return xenon::path::fromNative(path.native()); }
     Text item(const std::string& name) const { return wide(m_folder / name); }
     Text file(const std::string& name, const std::string& bytes = "x") const
     {
@@ -340,6 +338,8 @@ TEST_F(Items, AFolderIsReadonlyAlsoWhenThisProcessMayNotWriteIt)
     asOrdinaryUser([&] { expectReadonly(false); });
     setMode("folder", 0577);
     asOrdinaryUser([&] { expectReadonly(true); });
+}
+
 // Their types have the bit that tells folders.
 TEST_F(Items, SocketsAreReadonlyAsFoldersAre)
 {
@@ -364,8 +364,6 @@ TEST_F(Items, SocketsAreReadonlyAsFoldersAre)
             expectReadonly("pipe", false);
         });
     }
-}
-
 }
 
 TEST_F(Items, SettingReadonlyChangesTheOwnersRightToWriteOnly)

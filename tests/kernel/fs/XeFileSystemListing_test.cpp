@@ -4,6 +4,7 @@
 #include "OpenDescriptors.h"
 #include "OrdinaryUser.h"
 #include "TemporaryFolder.h"
+#include "WidePath.h"
 #include "XeNativePath.h"
 
 #include <gmock/gmock.h>
@@ -30,8 +31,6 @@ using testing::UnorderedElementsAre;
 using testing::UnorderedElementsAreArray;
 
 constexpr auto kFailed = static_cast<XeResult>(0x80000008);
-
-Text wide(const fs::path& path) { return xenon::path::fromNative(path.native()); }
 
 class Listings : public testing::Test {
 protected:

@@ -4,7 +4,7 @@
 #include "OpenDescriptors.h"
 #include "OrdinaryUser.h"
 #include "TemporaryFolder.h"
-#include "XeNativePath.h"
+#include "WidePath.h"
 #include "XeNetStream.h"
 
 #include <gmock/gmock.h>
@@ -28,8 +28,6 @@ using Text = _XeString<wchar_t>;
 using testing::ElementsAre;
 using xenon::network::XeNetOStream;
 using xenon::network::XeNetStream;
-
-Text wide(const fs::path& path) { return xenon::path::fromNative(path.native()); }
 
 std::shared_ptr<std::istream> openInput(const fs::path& path)
 {
