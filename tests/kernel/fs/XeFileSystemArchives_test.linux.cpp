@@ -219,7 +219,7 @@ protected:
     {
         fs::create_directories(m_folder / "bin");
         fs::create_directory(m_folder / "out");
-        fs::copy_file(TARVEL_FILE_SYSTEM_PROBE, m_folder / "bin/probe");
+        fs::copy_file(besideThisProgram("file_system_probe"), m_folder / "bin/probe");
     }
 
     void addTool(int status) const

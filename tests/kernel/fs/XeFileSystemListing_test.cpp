@@ -419,7 +419,7 @@ TEST_F(Listings, FolderThatMayNotBeEnteredTellsWhatItsOwnEntriesTell)
     m_folder.write("closed/file", "x");
     makeLink("closed/link", "file");
     fs::permissions(m_folder.path(), fs::perms(0755));
-    fs::permissions(m_folder / "closed", fs::perms(0744));
+    fs::permissions(m_folder / "closed", fs::perms(0444));
     asOrdinaryUser([&] {
         EXPECT_THAT(listed(subFolders(false), "closed"), ElementsAre("below"));
         EXPECT_THAT(listed(files(), "closed", kFailed), ElementsAre("file"));

@@ -165,9 +165,9 @@ TEST_F(LocalStreams, NameThatNoFileCanHaveGivesAFailedStream)
 
 TEST_F(LocalStreams, FailWithoutRights)
 {
-    fs::permissions(m_folder.path(), fs::perms(0755));
-    fs::permissions(m_folder.write("private", "x"), fs::perms(0600));
-    fs::permissions(m_folder.write("readable", "x"), fs::perms(0644));
+    fs::permissions(m_folder.write("private", "x"), fs::perms(0));
+    fs::permissions(m_folder.write("readable", "x"), fs::perms(0444));
+    fs::permissions(m_folder.path(), fs::perms(0555));
     asOrdinaryUser([&] {
         EXPECT_TRUE(openInput(m_folder / "private")->fail());
         EXPECT_TRUE(openInput(m_folder / "readable")->good());
