@@ -81,7 +81,7 @@ XeResult _browseFolder(_XeString<wchar_t> const& path, bool filesOnly, const _Ta
             NSString* const itemPath = [item path];
             if (![seen containsObject:itemPath] && _isListed(item, filesOnly)) {
                 _XeString<wchar_t> listed = _wideText(itemPath);
-                take({listed, AT_FDCWD, [item fileSystemRepresentation]});
+                take({listed, AT_FDCWD, [itemPath fileSystemRepresentation]});
             }
             [seen addObject:itemPath];
         }
