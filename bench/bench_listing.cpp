@@ -130,6 +130,18 @@ void addReaddirAndAccess(const std::string& group, Which which)
     });
 }
 
+/// The floor of a listing with attributes.
+void addReaddirAccessAndStatus(const std::string& group, Which which)
+{
+    addComparedRow(group, "readdir+faccessat+fstatat", [=] {
+        readFolder(which, [](int folder, const dirent& entry) {
+            struct stat status {};
+            return faccessat(folder, entry.d_name, R_OK, AT_EACCESS) == 0 &&
+                   fstatat(folder, entry.d_name, &status, AT_SYMLINK_NOFOLLOW) == 0;
+        });
+    });
+}
+
 /// With what the listing tells: the paths of one kind of entry.
 void addIterator(const std::string& group, Which which, bool (fs::directory_entry::*isKind)() const)
 {
@@ -161,6 +173,7 @@ void addFiles()
     addListing(
         "browsable_files", "getBrowsableFilesInFolder", files,
         returning([](auto path, auto& out) { return getBrowsableFilesInFolder(path, out); }));
+    addReaddirAccessAndStatus("browsable_files", files);
     addListing("browsable_files", "getBrowsableFilesWithAttribute", files,
                returning<std::vector<std::pair<Path, tFileAtrribute>>>(
                    [](auto path, auto& out) { return getBrowsableFilesWithAttribute(path, out); }));

@@ -48,7 +48,14 @@ static bool _isChosen(unsigned group)
         return false;
     }
     const unsigned long number = ++s_counted;
-    return s_plan.nth != 0 && (number == s_plan.nth || (s_plan.onwards && number > s_plan.nth));
+    const bool chosen =
+        s_plan.nth != 0 && (number == s_plan.nth || (s_plan.onwards && number > s_plan.nth));
+    if (chosen && s_plan.mode == kFailMeanwhile) {
+        s_armed = false;
+        s_plan.meanwhile();
+        s_armed = true;
+    }
+    return chosen;
 }
 
 static bool _fails(unsigned group)
@@ -66,10 +73,12 @@ static bool _failsOrShortens(unsigned group, size_t* count)
     const bool chosen = _isChosen(group);
     if (chosen && s_plan.mode == kFailShort) {
         *count = (*count + 1) / 2;
-    } else if (chosen) {
+    }
+    const bool fails = chosen && s_plan.mode == kFailWithError;
+    if (fails) {
         errno = s_plan.error;
     }
-    return chosen && s_plan.mode == kFailWithError;
+    return fails;
 }
 
 /// Declares `next`, the function that the program would call without this library.

@@ -51,7 +51,8 @@ enum FailingCallMode {
     kFailWithError,   // it does nothing and fails
     kFailShort,       // it moves half of what it was asked to; only kFailRead, kFailWrite, kFailCopy
     kFailUntyped,     // it does not tell the entry's type; only kFailReadFolder
-    kFailRepeat       // it tells of the entry before once more; only kFailReadFolder
+    kFailRepeat,      // it tells of the entry before once more; only kFailReadFolder
+    kFailMeanwhile    // it does what it should, but only after `meanwhile`
 };
 // clang-format on
 
@@ -60,7 +61,8 @@ struct FailingCallPlan {
     unsigned long nth;  // of the calls of those functions, from 1; 0 only counts
     int error;          // errno, or the result of functions that give it so
     enum FailingCallMode mode;
-    bool onwards; // all calls after it too
+    bool onwards;            // all calls after it too
+    void (*meanwhile)(void); // what another program does before the call; its calls do not count
 };
 
 /// Counts calls from here on, those of all threads. One plan at a time.

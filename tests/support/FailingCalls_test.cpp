@@ -37,7 +37,7 @@ public:
 
 FailingCallPlan failing(unsigned functions, int error, unsigned long nth = 1)
 {
-    return {functions, nth, error, kFailWithError, false};
+    return {functions, nth, error, kFailWithError, false, nullptr};
 }
 
 class FailingCalls : public testing::Test {
@@ -164,7 +164,7 @@ TEST_F(FailingCalls, ShortCallsMoveHalf)
     const int descriptor = open(m_file.c_str(), O_RDWR | O_CLOEXEC);
     char bytes[9] = {};
     iovec vector[] = {{bytes, 0}, {bytes, 5}, {bytes, 4}};
-    const FailingCallPlan plan{kFailRead | kFailWrite | kFailCopy, 1, 0, kFailShort, true};
+    const FailingCallPlan plan{kFailRead | kFailWrite | kFailCopy, 1, 0, kFailShort, true, nullptr};
     {
         const Armed armed(plan);
         EXPECT_EQ(read(descriptor, bytes, 9), 5);
@@ -179,9 +179,22 @@ TEST_F(FailingCalls, ShortCallsMoveHalf)
     close(descriptor);
 }
 
+std::string g_comesMeanwhile;
+
+TEST_F(FailingCalls, SomethingMayHappenMeanwhile)
+{
+    g_comesMeanwhile = m_new;
+    const auto make = [] { close(open(g_comesMeanwhile.c_str(), O_CREAT | O_CLOEXEC, 0600)); };
+    const Armed armed({kFailAccess | kFailOpen | kFailClose, 2, 0, kFailMeanwhile, false, make});
+    EXPECT_NE(access(m_new.c_str(), F_OK), 0);
+    EXPECT_EQ(access(m_new.c_str(), F_OK), 0);
+    EXPECT_EQ(access(m_file.c_str(), F_OK), 0);
+    EXPECT_EQ(disarmFailingCalls(), 3u); // what it does itself is not counted
+}
+
 TEST_F(FailingCalls, EntriesMayBeWithoutAType)
 {
-    const FailingCallPlan plan{kFailReadFolder, 1, 0, kFailUntyped, true};
+    const FailingCallPlan plan{kFailReadFolder, 1, 0, kFailUntyped, true, nullptr};
     const std::unique_ptr<DIR, int (*)(DIR*)> folder(opendir(m_folder.path().c_str()), closedir);
     const Armed armed(plan);
     while (const dirent* const entry = readdir(folder.get())) {
@@ -193,7 +206,7 @@ TEST_F(FailingCalls, EntriesMayBeWithoutAType)
 TEST_F(FailingCalls, EntryMayBeToldTwice)
 {
     const std::unique_ptr<DIR, int (*)(DIR*)> folder(opendir(m_folder.path().c_str()), closedir);
-    const Armed armed({kFailReadFolder, 2, 0, kFailRepeat, false});
+    const Armed armed({kFailReadFolder, 2, 0, kFailRepeat, false, nullptr});
     const std::string first = readdir(folder.get())->d_name;
     EXPECT_EQ(readdir(folder.get())->d_name, first);
     EXPECT_NE(readdir(folder.get())->d_name, first);

@@ -13,21 +13,6 @@
 class FileTree : public TemporaryFolder {
 public:
     FileTree() {} // lets a constant one be made without further words
-    ~FileTree() { unlock(path()); }
-    FileTree(const FileTree&) = delete;
-    FileTree& operator=(const FileTree&) = delete;
-
-    /// Gives the owner all rights to the folders at and below a path, so that they can be removed.
-    static void unlock(const std::filesystem::path& folder)
-    {
-        std::error_code error;
-        std::filesystem::permissions(folder, std::filesystem::perms(0700), error);
-        for (const auto& entry : std::filesystem::directory_iterator(folder, error)) {
-            if (entry.symlink_status(error).type() == std::filesystem::file_type::directory) {
-                unlock(entry.path());
-            }
-        }
-    }
 
     /// Path of an item as text of the kernel.
     _XeString<wchar_t> wide(const std::string& name) const

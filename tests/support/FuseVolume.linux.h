@@ -4,6 +4,8 @@
 #error "for Linux only"
 #endif
 
+#include "ProgramBeside.linux.h"
+
 #include <fcntl.h>
 #include <poll.h>
 #include <signal.h>
@@ -28,12 +30,13 @@ public:
         if (pipe2(mounted, O_CLOEXEC) != 0) {
             return;
         }
+        const std::string server = besideThisProgram("mirror_fuse");
         m_server = fork();
         if (m_server == 0) {
             prctl(PR_SET_PDEATHSIG, SIGTERM); // a crashed test leaves none behind
             dup2(mounted[1], STDOUT_FILENO);
-            execl(TARVEL_MIRROR_FUSE, "mirror_fuse", source.c_str(), "-f", "-s", "-o",
-                  options.c_str(), m_mountPoint.c_str(), nullptr);
+            execl(server.c_str(), "mirror_fuse", source.c_str(), "-f", "-s", "-o", options.c_str(),
+                  m_mountPoint.c_str(), nullptr);
             _exit(127);
         }
         close(mounted[1]);

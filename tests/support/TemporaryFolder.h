@@ -23,6 +23,10 @@ public:
     {
         std::error_code error;
         std::filesystem::remove_all(m_path, error);
+        if (error) {
+            unlock(m_path);
+            std::filesystem::remove_all(m_path, error);
+        }
     }
     TemporaryFolder(const TemporaryFolder&) = delete;
     TemporaryFolder& operator=(const TemporaryFolder&) = delete;
@@ -48,6 +52,18 @@ public:
     {
         std::ofstream(path(name), std::ios::binary) << bytes;
         return path(name);
+    }
+
+    /// Gives the owner all rights to the folders at and below a path, so that they can be removed.
+    static void unlock(const std::filesystem::path& folder)
+    {
+        std::error_code error;
+        std::filesystem::permissions(folder, std::filesystem::perms(0700), error);
+        for (const auto& entry : std::filesystem::directory_iterator(folder, error)) {
+            if (entry.symlink_status(error).type() == std::filesystem::file_type::directory) {
+                unlock(entry.path());
+            }
+        }
     }
 
     static std::string contents(const std::string& path)

@@ -12,9 +12,14 @@
 #include <cerrno>
 #include <string>
 
+std::optional<std::string> _systemPath(std::wstring_view path)
+{
+    return xenon::path::toNative(path);
+}
+
 std::FILE* _fopenSystem(const wchar_t* path, const char* mode)
 {
-    const auto bytes = xenon::path::toNative(path);
+    const auto bytes = _systemPath(path);
     return bytes ? std::fopen(bytes->c_str(), (std::string(mode) + 'e').c_str()) : nullptr;
 }
 

@@ -1,6 +1,14 @@
 #pragma once
 
 #include <cstdio>
+#include <optional>
+#include <string>
+#include <string_view>
+
+/// A path as the system's calls take it: its bytes (xenon::path::toNative), on macOS in the
+/// system's own spelling of composed characters.
+/// @return  Nothing for a path that has characters no file name can have.
+std::optional<std::string> _systemPath(std::wstring_view path);
 
 /// Opens a stream on a path.
 /// @param mode  As for fopen. Linux adds "e": child processes do not inherit the descriptor.

@@ -18,6 +18,7 @@ public:
             close(m_descriptor);
         }
     }
+    Descriptor(Descriptor&& other) noexcept : m_descriptor(other.release()) {}
     Descriptor(const Descriptor&) = delete;
     Descriptor& operator=(const Descriptor&) = delete;
 

@@ -1,6 +1,7 @@
 #include "fs/LocalCopy.h"
 
 #include "XeSafeCRT.h"
+#include "fs/RegularFile.h"
 
 #include <boost/filesystem/operations.hpp>
 
@@ -38,16 +39,22 @@ XeResult copyLocalFile(const std::string& source, const FileStatus& from,
     return bfs::remove(destination, error) ? copyToNewFile(source, destination) : kXeGeneralFailure;
 }
 
+// The file is opened here and copied by the name of its descriptor, since copy_file would wait at a
+// pipe that has come to the path meanwhile.
 XeResult copyToNewFile(const std::string& source, const std::string& destination)
 {
+    const Descriptor file = openRegularFile(source.c_str(), O_RDONLY);
+    if (!file) {
+        return kXeFileOperationFailed;
+    }
     boost::system::error_code error;
-    bfs::copy_file(source, destination, bfs::copy_options::none, error);
+    bfs::copy_file("/dev/fd/" + std::to_string(file.get()), destination, bfs::copy_options::none,
+                   error);
     if (!error) {
         return kXeOk;
     }
-    // What has come to that path meanwhile is not ours, nor is anything there when the source could
-    // not even be opened.
-    if (error != boost::system::errc::file_exists && _isReadable(source)) {
+    // What has come to that path meanwhile is not ours.
+    if (error != boost::system::errc::file_exists) {
         boost::system::error_code ignored;
         bfs::remove(destination, ignored);
     }

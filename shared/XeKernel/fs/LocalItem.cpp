@@ -1,6 +1,6 @@
 #include "fs/LocalItem.h"
 
-#include "XeNativePath.h"
+#include "core/XeFilePlatform.h"
 
 #include <boost/filesystem/operations.hpp>
 
@@ -11,7 +11,7 @@ std::optional<std::string> localPath(wchar_t const* path)
     if (path == nullptr || *path == L'\0') {
         return std::nullopt;
     }
-    return xenon::path::toNative(path);
+    return _systemPath(path);
 }
 
 bfs::file_type localType(wchar_t const* path)

@@ -13,6 +13,15 @@
 /// have.
 std::optional<std::string> localPath(wchar_t const* path);
 
+/// The same with the empty path, which leads nowhere, where there is none.
+inline std::string nativePath(wchar_t const* path)
+{
+    return localPath(path).value_or(std::string());
+}
+
+/// A text argument; null counts as the empty text.
+inline wchar_t const* givenText(wchar_t const* text) { return text == nullptr ? L"" : text; }
+
 /// Type of what a path leads to, links followed; an error for a path that names nothing.
 boost::filesystem::file_type localType(wchar_t const* path);
 

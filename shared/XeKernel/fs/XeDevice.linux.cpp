@@ -24,9 +24,6 @@ std::optional<Mount> _mountOf(const std::string& path)
     return place ? findMount(*place) : std::nullopt;
 }
 
-/// Empty for text that names no file.
-std::string _native(wchar_t const* path) { return localPath(path).value_or(std::string()); }
-
 bool _eject(const std::string& mountPoint)
 {
     const auto mount = isMountPoint(mountPoint) ? _mountOf(mountPoint) : std::nullopt;
@@ -55,17 +52,17 @@ XeResult _getUSBDeviceType(const std::string& path, EVolumeMediaType& type)
 
 XeResult getBSDName(wchar_t const* path, std::string& bsdName)
 {
-    return noThrow(kXeGeneralFailure, [&] { return _getBSDName(_native(path), bsdName); });
+    return noThrow(kXeGeneralFailure, [&] { return _getBSDName(nativePath(path), bsdName); });
 }
 
 XeResult getUSBDeviceType(wchar_t const* path, EVolumeMediaType& type)
 {
-    return noThrow(kXeGeneralFailure, [&] { return _getUSBDeviceType(_native(path), type); });
+    return noThrow(kXeGeneralFailure, [&] { return _getUSBDeviceType(nativePath(path), type); });
 }
 
 XeResult ejectVolume(_XeString<wchar_t> const& mountPoint)
 {
-    const bool ejected = noThrow(false, [&] { return _eject(_native(mountPoint.c_str())); });
+    const bool ejected = noThrow(false, [&] { return _eject(nativePath(mountPoint.c_str())); });
     return ejected ? kXeOk : kXeGeneralFailure;
 }
 

@@ -1,13 +1,12 @@
 #include "fs/XeFileSystemArchivesPlatform.h"
 
 #include "XeNativePath.h"
-#include "fs/Descriptor.h"
 #include "fs/LocalItem.h"
 #include "fs/NoThrow.h"
+#include "fs/RegularFile.h"
 
 #include <boost/filesystem/operations.hpp>
 
-#include <fcntl.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -79,7 +78,7 @@ std::size_t _readStart(wchar_t const* path, unsigned char* bytes, std::size_t ca
     if (localType(path) != bfs::file_type::regular_file) {
         return 0;
     }
-    const Descriptor file(open(localPath(path)->c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+    const Descriptor file = openRegularFile(localPath(path)->c_str(), O_RDONLY);
     std::size_t count = 0;
     ssize_t more = file ? 1 : 0;
     while (more > 0 && count < capacity) {

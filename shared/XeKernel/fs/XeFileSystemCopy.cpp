@@ -18,9 +18,6 @@ namespace {
 using xenon::network::XeNetOStream;
 using xenon::network::XeNetStream;
 
-/// A path for the system; the empty one, which leads nowhere, where there is none.
-std::string _native(wchar_t const* path) { return localPath(path).value_or(std::string()); }
-
 /// Whatever of the two a stream is, true when its file is open.
 template <typename NetStream, typename Stream>
 bool _isOpen(const std::shared_ptr<Stream>& stream)
@@ -82,8 +79,7 @@ class StreamedCopy {
 public:
     StreamedCopy(wchar_t const* source, const RemoteVolume& from, wchar_t const* destination,
                  const RemoteVolume& to)
-        : m_source(source == nullptr ? L"" : source), m_from(from),
-          m_destination(destination == nullptr ? L"" : destination), m_to(to)
+        : m_source(givenText(source)), m_from(from), m_destination(givenText(destination)), m_to(to)
     {
     }
 
@@ -110,13 +106,14 @@ private:
     bool _isCopyOfItself() const
     {
         return (m_from == m_to && std::wstring_view(m_source) == m_destination) ||
-               FileStatus::of(_native(m_source)).isSameAs(FileStatus::of(_native(m_destination)));
+               FileStatus::of(nativePath(m_source))
+                   .isSameAs(FileStatus::of(nativePath(m_destination)));
     }
 
     /// True for what is there locally and no file: it is neither opened nor overwritten.
     bool _isBlocked() const
     {
-        return !m_to && !FileStatus::ofLink(_native(m_destination)).isMissing();
+        return !m_to && !FileStatus::ofLink(nativePath(m_destination)).isMissing();
     }
 
     XeResult _write(std::istream& in, long long size) const
@@ -158,8 +155,8 @@ XeResult copyFile(wchar_t const* source, wchar_t const* destination, bool failIf
         if (from || to) {
             return StreamedCopy(source, from, destination, to).run(failIfExists);
         }
-        const std::string path = _native(source);
-        return copyLocalFile(path, FileStatus::of(path), _native(destination), failIfExists);
+        const std::string path = nativePath(source);
+        return copyLocalFile(path, FileStatus::of(path), nativePath(destination), failIfExists);
     });
 }
 

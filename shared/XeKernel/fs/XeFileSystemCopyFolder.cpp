@@ -3,7 +3,6 @@
 #include "XeNativePath.h"
 #include "fs/FileStatus.h"
 #include "fs/LocalCopy.h"
-#include "fs/LocalItem.h"
 #include "fs/NoThrow.h"
 #include "fs/RemoteVolume.h"
 
@@ -39,10 +38,11 @@ struct Place {
     RemoteVolume volume;
 };
 
-/// Without the '/' at its end, so that names can be added.
+/// Without the '/' at its end, so that names can be added. The bytes spell the text exactly: it may
+/// be that of a remote volume.
 std::optional<Place> _placeOf(wchar_t const* path)
 {
-    auto native = localPath(path);
+    auto native = path == nullptr || *path == L'\0' ? std::nullopt : xenon::path::toNative(path);
     while (native && native->size() > 1 && native->ends_with('/')) {
         native->pop_back();
     }

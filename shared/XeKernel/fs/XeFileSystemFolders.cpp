@@ -4,8 +4,6 @@
 #include "fs/HomeFolder.h"
 #include "fs/NoThrow.h"
 
-#include <algorithm>
-#include <iterator>
 #include <string_view>
 #include <utility>
 
@@ -30,10 +28,8 @@ constexpr LibraryFolder kLibraryFolders[] = {
 
 const wchar_t* _nameInLibrary(ESysFolder folder)
 {
-    const auto* const found =
-        std::find_if(std::begin(kLibraryFolders), std::end(kLibraryFolders),
-                     [folder](const LibraryFolder& row) { return row.folder == folder; });
-    return found == std::end(kLibraryFolders) ? nullptr : found->name;
+    const LibraryFolder* const row = _rowOf(kLibraryFolders, folder);
+    return row == nullptr ? nullptr : row->name;
 }
 
 bool _hasVendorFolder(ESysFolder folder)

@@ -15,7 +15,6 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
-#include <iterator>
 #include <string>
 #include <string_view>
 
@@ -136,10 +135,8 @@ XeResult _partOfExecutable(_XeString<wchar_t>& out, Part part)
 
 XeResult _findSysFolder(_XeString<wchar_t>& out, ESysFolder folder)
 {
-    const auto* const row =
-        std::find_if(std::begin(kFolders), std::end(kFolders),
-                     [folder](const FolderRow& each) { return each.folder == folder; });
-    if (row == std::end(kFolders)) {
+    const FolderRow* const row = _rowOf(kFolders, folder);
+    if (row == nullptr) {
         return kXeInvalidArgument;
     }
     std::string path = _rootFolder(row->root);

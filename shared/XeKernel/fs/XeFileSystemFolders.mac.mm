@@ -9,9 +9,6 @@
 
 #import <Foundation/Foundation.h>
 
-#include <algorithm>
-#include <iterator>
-
 namespace XeFileSystem {
 namespace {
 
@@ -51,10 +48,8 @@ XeResult _give(_XeString<wchar_t>& out, NSString* text)
 
 XeResult _findSysFolder(_XeString<wchar_t>& out, ESysFolder folder)
 {
-    const auto* const row =
-        std::find_if(std::begin(kFolders), std::end(kFolders),
-                     [folder](const FolderRow& each) { return each.folder == folder; });
-    if (row == std::end(kFolders)) {
+    const FolderRow* const row = _rowOf(kFolders, folder);
+    if (row == nullptr) {
         return kXeInvalidArgument;
     }
     @autoreleasepool {

@@ -12,6 +12,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -23,8 +24,6 @@ namespace {
 namespace bfs = boost::filesystem;
 using bfs::file_type;
 using xenon::network::IFileSystem;
-
-wchar_t const* _text(wchar_t const* path) { return path == nullptr ? L"" : path; }
 
 /// An item of the other kind has no answer, so only folders have one.
 std::optional<bool> _remoteFolderIsEmpty(const RemoteVolume& remote, wchar_t const* path)
@@ -42,18 +41,22 @@ bool _localFolderIsEmpty(wchar_t const* path)
 }
 
 /// Last name of a path, without the separators that may end it.
-std::wstring_view _lastName(std::wstring_view path)
+template <typename Char>
+std::basic_string_view<Char> _lastName(std::basic_string_view<Char> path)
 {
-    const std::size_t end = path.find_last_not_of(L'/');
-    path = path.substr(0, end == std::wstring_view::npos ? 0 : end + 1);
-    return path.substr(path.rfind(L'/') + 1);
+    const std::size_t end = path.find_last_not_of(Char('/'));
+    path = path.substr(0, end == path.npos ? 0 : end + 1);
+    return path.substr(path.rfind(Char('/')) + 1);
 }
 
-/// Not so "." and "..", which stand for items of another name.
-bool _isNamedHidden(wchar_t const* path)
+/// True for a path whose last name begins with '.', separators at its end left aside. Not so "."
+/// and
+/// "..", which stand for items of another name.
+template <typename Char>
+bool _isNamedHidden(std::basic_string_view<Char> path)
 {
-    const std::wstring_view name = _lastName(_text(path));
-    return name.starts_with(L'.') && name != L"." && name != L"..";
+    const std::basic_string_view<Char> name = _lastName(path);
+    return name.size() > 1 && name[0] == '.' && (name.size() > 2 || name[1] != '.');
 }
 
 std::optional<struct stat> _statusOf(wchar_t const* path)
@@ -63,13 +66,19 @@ std::optional<struct stat> _statusOf(wchar_t const* path)
     return bytes && stat(bytes->c_str(), &status) == 0 ? std::optional(status) : std::nullopt;
 }
 
+/// Sockets and block devices carry the folders' bit in their type, too.
+/// @param folder  And `name`, as for _readStatus.
+bool _isReadonly(mode_t mode, int folder, const char* name)
+{
+    constexpr mode_t kFolderBit = 0040000;
+    return (mode & S_IWUSR) == 0 ||
+           ((mode & kFolderBit) != 0 && faccessat(folder, name, W_OK, 0) != 0);
+}
+
 bool _isFileReadonly(wchar_t const* path)
 {
     const auto status = _statusOf(path);
-    if (!status || (status->st_mode & S_IWUSR) == 0) {
-        return status.has_value();
-    }
-    return S_ISDIR(status->st_mode) && access(localPath(path)->c_str(), W_OK) != 0;
+    return status && _isReadonly(status->st_mode, AT_FDCWD, localPath(path)->c_str());
 }
 
 bool _setFileReadonly(wchar_t const* path, bool readonly)
@@ -84,13 +93,6 @@ bool _setFileReadonly(wchar_t const* path, bool readonly)
            0;
 }
 
-bool _isLink(wchar_t const* path)
-{
-    const auto bytes = localPath(path);
-    struct stat status {};
-    return bytes && lstat(bytes->c_str(), &status) == 0 && S_ISLNK(status.st_mode);
-}
-
 /// One time alone can be set by the owner only; who may but write the item sets both or none.
 bool _touch(const std::string& path)
 {
@@ -103,7 +105,7 @@ bool _touch(const std::string& path)
 bool _remoteStrictName(const RemoteVolume& remote, wchar_t const* path, _XeString<wchar_t>& name)
 {
     _XeString<wchar_t> strict;
-    const _XeString<wchar_t> asked(_lastName(path));
+    const _XeString<wchar_t> asked(_lastName(std::wstring_view(path)));
     const bool given = remote.call(&IFileSystem::strictFileName, asked, strict) >= 0;
     if (given && !strict.empty()) {
         name = std::move(strict);
@@ -117,7 +119,7 @@ bool _remoteStrictName(const RemoteVolume& remote, wchar_t const* path, _XeStrin
 bool isFilePresent(wchar_t const* path)
 {
     return noThrow(false, [&] {
-        if (const RemoteVolume remote(_text(path)); remote) {
+        if (const RemoteVolume remote(path); remote) {
             std::int64_t size = 0;
             return remote.call(&IFileSystem::getFileSize, path, size) >= 0;
         }
@@ -130,7 +132,7 @@ bool isFilePresent(_XeString<wchar_t> const& path) { return isFilePresent(path.c
 bool isFolderPresent(wchar_t const* path)
 {
     return noThrow(false, [&] {
-        if (const RemoteVolume remote(_text(path)); remote) {
+        if (const RemoteVolume remote(path); remote) {
             return _remoteFolderIsEmpty(remote, path).has_value();
         }
         return localType(path) == file_type::directory_file;
@@ -146,7 +148,7 @@ bool isFolder(_XeString<wchar_t> const& path) { return isFolderPresent(path); }
 bool isFolderEmpty(wchar_t const* path)
 {
     return noThrow(false, [&] {
-        if (const RemoteVolume remote(_text(path)); remote) {
+        if (const RemoteVolume remote(path); remote) {
             return _remoteFolderIsEmpty(remote, path).value_or(false);
         }
         return _localFolderIsEmpty(path);
@@ -160,7 +162,7 @@ XeResult getFileSize(wchar_t const* path, long long& size)
     return noThrow(kXeGeneralFailure, [&] {
         std::int64_t found = 0;
         XeResult result = kXeOk;
-        if (const RemoteVolume remote(_text(path)); remote) {
+        if (const RemoteVolume remote(path); remote) {
             result = remote.call(&IFileSystem::getFileSize, path, found);
         } else if (const auto local = localSize(path)) {
             found = *local;
@@ -182,7 +184,10 @@ long long getFileSize(wchar_t const* path)
 
 bool isHidden(wchar_t const* path)
 {
-    return noThrow(false, [&] { return _isNamedHidden(path) || _isMarkedHidden(_text(path)); });
+    return noThrow(false, [&] {
+        return _isNamedHidden(std::wstring_view(givenText(path))) ||
+               _isMarkedHidden(givenText(path));
+    });
 }
 
 bool isHidden(_XeString<wchar_t> const& path) { return isHidden(path.c_str()); }
@@ -200,7 +205,7 @@ bool isFolderReadonly(_XeString<wchar_t> const& path) { return isFileReadonly(pa
 
 bool isFileLocked(wchar_t const* path)
 {
-    return noThrow(false, [&] { return _isFileLocked(_text(path)); });
+    return noThrow(false, [&] { return _isFileLocked(givenText(path)); });
 }
 
 bool isFileLocked(_XeString<wchar_t> const& path) { return isFileLocked(path.c_str()); }
@@ -231,7 +236,7 @@ XeResult getLastModified(wchar_t const* path, tFileTime& time)
 {
     return noThrow(kXeGeneralFailure, [&] {
         _ItemTimes times;
-        if (!_getTimes(_text(path), times)) {
+        if (!_getTimes(givenText(path), times)) {
             return kXeGeneralFailure;
         }
         time = times.modified;
@@ -243,7 +248,7 @@ std::time_t getModifiedTime(wchar_t const* path)
 {
     return noThrow(std::time_t{-1}, [&] {
         _ItemTimes times;
-        return _getTimes(_text(path), times) ? std::time_t{times.modified.seconds} : -1;
+        return _getTimes(givenText(path), times) ? std::time_t{times.modified.seconds} : -1;
     });
 }
 
@@ -251,28 +256,34 @@ std::time_t getCreationTime(wchar_t const* path)
 {
     return noThrow(std::time_t{-1}, [&] {
         _ItemTimes times;
-        return _getTimes(_text(path), times) ? std::time_t{times.created.seconds} : -1;
+        return _getTimes(givenText(path), times) ? std::time_t{times.created.seconds} : -1;
     });
+}
+
+bool _readAttribute(int folder, const char* name, tFileAtrribute& attribute)
+{
+    _ItemStatus status;
+    if (!_readStatus(folder, name, status)) {
+        return false;
+    }
+    const bool isFolder = S_ISDIR(status.mode);
+    attribute = {.size = isFolder ? 0 : status.size,
+                 .created = status.times.created,
+                 .modified = status.times.modified,
+                 .folder = isFolder,
+                 .link = status.link,
+                 .hidden = status.markedHidden || _isNamedHidden(std::string_view(name)),
+                 .readonly = _isReadonly(status.mode, folder, name),
+                 .locked = status.locked};
+    return true;
 }
 
 XeResult getFileAttribute(wchar_t const* path, tFileAtrribute& attribute)
 {
     return noThrow(kXeGeneralFailure, [&] {
-        const auto status = _statusOf(path);
-        _ItemTimes times;
-        if (!status || !_getTimes(path, times)) {
-            return kXeGeneralFailure;
-        }
-        const bool folder = S_ISDIR(status->st_mode);
-        attribute = {.size = folder ? 0 : std::int64_t{status->st_size},
-                     .created = times.created,
-                     .modified = times.modified,
-                     .folder = folder,
-                     .link = _isLink(path),
-                     .hidden = isHidden(path),
-                     .readonly = isFileReadonly(path),
-                     .locked = isFileLocked(path)};
-        return kXeOk;
+        const auto bytes = localPath(path);
+        return bytes && _readAttribute(AT_FDCWD, bytes->c_str(), attribute) ? kXeOk
+                                                                            : kXeGeneralFailure;
     });
 }
 

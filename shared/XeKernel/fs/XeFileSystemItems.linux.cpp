@@ -34,6 +34,18 @@ tFileTime _time(const struct statx_timestamp& time)
     return {time.tv_sec, static_cast<std::int32_t>(time.tv_nsec)};
 }
 
+_ItemTimes _timesOf(const struct statx& status)
+{
+    const tFileTime modified = _time(status.stx_mtime);
+    const bool keepsCreation = (status.stx_mask & STATX_BTIME) != 0;
+    return {keepsCreation ? _time(status.stx_btime) : modified, modified};
+}
+
+bool _isImmutable(const struct statx& status)
+{
+    return (status.stx_attributes & status.stx_attributes_mask & STATX_ATTR_IMMUTABLE) != 0;
+}
+
 /// Opening a device, or asking it for flags, could make it do something.
 bool _canHaveFlags(const std::string& path)
 {
@@ -69,8 +81,7 @@ bool _isMarkedHidden(wchar_t const*) { return false; }
 bool _isFileLocked(wchar_t const* path)
 {
     struct statx status {};
-    return _lookUp(path, 0, status) &&
-           (status.stx_attributes & status.stx_attributes_mask & STATX_ATTR_IMMUTABLE) != 0;
+    return _lookUp(path, 0, status) && _isImmutable(status);
 }
 
 bool _setLockFile(wchar_t const* path, bool lock)
@@ -94,8 +105,27 @@ bool _getTimes(wchar_t const* path, _ItemTimes& times)
     if (!_lookUp(path, STATX_MTIME | STATX_BTIME, status) || (status.stx_mask & STATX_MTIME) == 0) {
         return false;
     }
-    times.modified = _time(status.stx_mtime);
-    times.created = (status.stx_mask & STATX_BTIME) != 0 ? _time(status.stx_btime) : times.modified;
+    times = _timesOf(status);
+    return true;
+}
+
+bool _readStatus(int folder, const char* name, _ItemStatus& status)
+{
+    constexpr unsigned kWanted = STATX_TYPE | STATX_MODE | STATX_SIZE | STATX_MTIME | STATX_BTIME;
+    struct statx found {};
+    if (statx(folder, name, AT_SYMLINK_NOFOLLOW, kWanted, &found) != 0) {
+        return false;
+    }
+    const bool link = S_ISLNK(found.stx_mode);
+    if (link && statx(folder, name, 0, kWanted, &found) != 0) {
+        return false;
+    }
+    status = {.mode = found.stx_mode,
+              .size = static_cast<std::int64_t>(found.stx_size),
+              .times = _timesOf(found),
+              .link = link,
+              .markedHidden = false,
+              .locked = _isImmutable(found)};
     return true;
 }
 

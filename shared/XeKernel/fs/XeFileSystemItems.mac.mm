@@ -10,6 +10,7 @@
 
 #import <Foundation/Foundation.h>
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -21,6 +22,14 @@ static_assert(UF_IMMUTABLE == 2);
 tFileTime _time(const struct timespec& time)
 {
     return {time.tv_sec, static_cast<std::int32_t>(time.tv_nsec)};
+}
+
+// A file system that does not keep the time of creation gives zero for it.
+_ItemTimes _timesOf(const struct stat& status)
+{
+    const tFileTime modified = _time(status.st_mtimespec);
+    const tFileTime created = _time(status.st_birthtimespec);
+    return {created == tFileTime{} ? modified : created, modified};
 }
 
 } // namespace
@@ -54,7 +63,6 @@ bool _setLockFile(wchar_t const* path, bool lock)
     return chflags(bytes->c_str(), flags) == 0;
 }
 
-// A file system that does not keep the time of creation gives zero for it.
 bool _getTimes(wchar_t const* path, _ItemTimes& times)
 {
     const auto bytes = localPath(path);
@@ -62,9 +70,28 @@ bool _getTimes(wchar_t const* path, _ItemTimes& times)
     if (!bytes || stat(bytes->c_str(), &status) != 0) {
         return false;
     }
-    times.modified = _time(status.st_mtimespec);
-    const tFileTime created = _time(status.st_birthtimespec);
-    times.created = created == tFileTime{} ? times.modified : created;
+    times = _timesOf(status);
+    return true;
+}
+
+// Foundation's immutable items are those that either the user or the system has made so.
+bool _readStatus(int folder, const char* name, _ItemStatus& status)
+{
+    struct stat itself;
+    if (fstatat(folder, name, &itself, AT_SYMLINK_NOFOLLOW) != 0) {
+        return false;
+    }
+    struct stat found = itself;
+    const bool link = S_ISLNK(itself.st_mode);
+    if (link && fstatat(folder, name, &found, 0) != 0) {
+        return false;
+    }
+    status = {.mode = found.st_mode,
+              .size = found.st_size,
+              .times = _timesOf(found),
+              .link = link,
+              .markedHidden = (itself.st_flags & UF_HIDDEN) != 0,
+              .locked = (itself.st_flags & (UF_IMMUTABLE | SF_IMMUTABLE)) != 0};
     return true;
 }
 

@@ -2,15 +2,18 @@
 
 #include "XeNativePath.h"
 #include "XeSafeCRT.h"
+#include "core/XeFilePlatform.h"
 #include "fs/FolderReader.h"
 #include "fs/ListedPath.h"
 #include "fs/LocalItem.h"
 #include "fs/NoThrow.h"
 #include "fs/RemoteVolume.h"
 #include "fs/Wildcard.h"
+#include "fs/XeFileSystemItemsPlatform.h"
 #include "fs/XeFileSystemListingPlatform.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstddef>
 #include <utility>
 
@@ -36,17 +39,16 @@ namespace {
 
 using Path = _XeString<wchar_t>;
 using Paths = std::vector<Path>;
+using AttributedPaths = std::vector<std::pair<Path, tFileAtrribute>>;
 using Links = FolderReader::Links;
 using xenon::network::IFileSystem;
 
-wchar_t const* _text(wchar_t const* text) { return text == nullptr ? L"" : text; }
-
 /// Fills a list of its own, since the path may be a text in `out`, and keeps what `list` has found
 /// before a failure.
-template <typename List>
-XeResult _listInto(Paths& out, List list)
+template <typename Out, typename List>
+XeResult _listInto(Out& out, List list)
 {
-    Paths found;
+    Out found;
     const XeResult result = noThrow(kXeGeneralFailure, [&] { return list(found); });
     out = std::move(found);
     return result;
@@ -58,7 +60,7 @@ XeResult _listInto(Paths& out, List list)
 template <typename Take>
 bool _readFolder(const Path& folder, Links links, Take take)
 {
-    const auto bytes = xenon::path::toNative(folder);
+    const auto bytes = _systemPath(folder);
     FolderReader reader(bytes ? bytes->c_str() : "", links);
     for (FolderEntry entry; reader.next(entry);) {
         take(entry, reader);
@@ -161,20 +163,25 @@ XeResult _listRemoteFolders(const RemoteVolume& remote, const Path& path, Paths&
     return result;
 }
 
+XeResult _getBrowsableContentsInFolder(const Path& path, Paths& out, bool filesOnly)
+{
+    return _browseFolder(path, filesOnly,
+                         [&](const _BrowsedItem& item) { out.push_back(std::move(item.path)); });
+}
+
 /// What has disappeared since it was listed is left out, which is no failure.
-XeResult _addAttributes(Paths files, std::vector<std::pair<Path, tFileAtrribute>>& out)
+XeResult _getBrowsableFilesWithAttribute(const Path& path, AttributedPaths& out)
 {
     bool whole = true;
-    out.reserve(files.size());
-    for (Path& file : files) {
+    const XeResult result = _browseFolder(path, true, [&](const _BrowsedItem& item) {
         tFileAtrribute attribute;
-        if (getFileAttribute(file.c_str(), attribute) >= 0) {
-            out.emplace_back(std::move(file), attribute);
+        if (_readAttribute(item.folder, item.name, attribute)) {
+            out.emplace_back(std::move(item.path), attribute);
         } else {
-            whole = whole && localType(file.c_str()) == boost::filesystem::file_not_found;
+            whole = whole && (errno == ENOENT || errno == ENOTDIR);
         }
-    }
-    return whole ? kXeOk : kXeGeneralFailure;
+    });
+    return whole ? result : kXeGeneralFailure;
 }
 
 } // namespace
@@ -182,58 +189,56 @@ XeResult _addAttributes(Paths files, std::vector<std::pair<Path, tFileAtrribute>
 XeResult getBrowsableSubFolders(wchar_t const* path, Paths& out)
 {
     return _listInto(out, [&](Paths& found) {
-        if (const RemoteVolume remote(_text(path)); remote) {
-            return _listRemoteFolders(remote, _text(path), found);
+        if (const RemoteVolume remote(path); remote) {
+            return _listRemoteFolders(remote, givenText(path), found);
         }
-        return _getBrowsableContentsInFolder(_text(path), found, false);
+        return _getBrowsableContentsInFolder(givenText(path), found, false);
     });
 }
 
 XeResult getBrowsableSubFoldersNative(wchar_t const* path, Paths& out)
 {
     return _listInto(out, [&](Paths& found) {
-        return _getBrowsableContentsInFolder(_text(path), found, false);
+        return _getBrowsableContentsInFolder(givenText(path), found, false);
     });
 }
 
 XeResult getBrowsableFilesInFolder(wchar_t const* path, Paths& out)
 {
-    return _listInto(
-        out, [&](Paths& found) { return _getBrowsableContentsInFolder(_text(path), found, true); });
+    return _listInto(out, [&](Paths& found) {
+        return _getBrowsableContentsInFolder(givenText(path), found, true);
+    });
 }
 
 XeResult
 getBrowsableFilesWithAttribute(wchar_t const* path,
                                std::vector<std::pair<_XeString<wchar_t>, tFileAtrribute>>& out)
 {
-    Paths files;
-    const XeResult result = getBrowsableFilesInFolder(path, files);
-    out.clear();
-    const XeResult added =
-        noThrow(kXeGeneralFailure, [&] { return _addAttributes(std::move(files), out); });
-    return result < 0 ? result : added;
+    return _listInto(out, [&](AttributedPaths& found) {
+        return _getBrowsableFilesWithAttribute(givenText(path), found);
+    });
 }
 
 XeResult getFilesInFolder(wchar_t const* path, wchar_t const* pattern, bool recursive, Paths& out,
                           bool includeHidden)
 {
     return _listInto(out, [&](Paths& found) {
-        const Wanted wanted{_text(pattern), false, includeHidden};
-        return _listWanted(_text(path), wanted, found, recursive);
+        const Wanted wanted{givenText(pattern), false, includeHidden};
+        return _listWanted(givenText(path), wanted, found, recursive);
     });
 }
 
 XeResult getFilesAndFoldersInFolder(wchar_t const* path, wchar_t const* pattern, Paths& out)
 {
     return _listInto(out, [&](Paths& found) {
-        return _listWanted(_text(path), {_text(pattern), true, false}, found, false);
+        return _listWanted(givenText(path), {givenText(pattern), true, false}, found, false);
     });
 }
 
 XeResult getSubFolders(wchar_t const* path, bool recursive, Paths& out)
 {
     const XeResult result = _listInto(
-        out, [&](Paths& found) { return _listSubFolders(_text(path), recursive, found); });
+        out, [&](Paths& found) { return _listSubFolders(givenText(path), recursive, found); });
     std::reverse(out.begin(), out.end());
     return result;
 }

@@ -55,8 +55,8 @@ std::string _resolved(const _XeString<wchar_t>& path)
 
 } // namespace
 
-XeResult listBrowsable(_XeString<wchar_t> const& path, std::vector<_XeString<wchar_t>>& out,
-                       bool filesOnly, PackageRule isPackage)
+XeResult browseFolder(_XeString<wchar_t> const& path, bool filesOnly, PackageRule isPackage,
+                      const _TakeBrowsed& take)
 {
     const std::string resolved = _resolved(path);
     const _XeString<wchar_t> folder = xenon::path::fromNative(resolved);
@@ -67,16 +67,16 @@ XeResult listBrowsable(_XeString<wchar_t> const& path, std::vector<_XeString<wch
         // A folder that changes meanwhile may tell of an entry twice.
         if (!isHiddenName(browsed.name) && isBrowsable(browsed, filesOnly) &&
             seen.emplace(browsed.name).second) {
-            out.push_back(listedPath(folder, browsed.name));
+            _XeString<wchar_t> listed = listedPath(folder, browsed.name);
+            take({listed, browsed.folder, entry.name});
         }
     }
     return reader.error() == 0 ? kXeOk : kXeGeneralFailure;
 }
 
-XeResult _getBrowsableContentsInFolder(_XeString<wchar_t> const& path,
-                                       std::vector<_XeString<wchar_t>>& out, bool filesOnly)
+XeResult _browseFolder(_XeString<wchar_t> const& path, bool filesOnly, const _TakeBrowsed& take)
 {
-    return listBrowsable(path, out, filesOnly, _isNoPackage);
+    return browseFolder(path, filesOnly, _isNoPackage, take);
 }
 
 bool _hasHiddenMark(const FolderReader&, const FolderEntry&) { return false; }

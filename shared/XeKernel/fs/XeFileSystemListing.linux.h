@@ -4,7 +4,7 @@
 #error "for Linux only"
 #endif
 
-#include "XeFileSystem.h"
+#include "fs/XeFileSystemListingPlatform.h"
 
 #include <string_view>
 
@@ -14,8 +14,8 @@ namespace XeFileSystem {
 /// rule shows how a listing treats them.
 using PackageRule = bool (*)(std::string_view name);
 
-/// _getBrowsableContentsInFolder under a rule for packages.
-XeResult listBrowsable(_XeString<wchar_t> const& path, std::vector<_XeString<wchar_t>>& out,
-                       bool filesOnly, PackageRule isPackage);
+/// _browseFolder under a rule for packages.
+XeResult browseFolder(_XeString<wchar_t> const& path, bool filesOnly, PackageRule isPackage,
+                      const _TakeBrowsed& take);
 
 } // namespace XeFileSystem

@@ -68,8 +68,7 @@ NSArray* _contentsOf(const _XeString<wchar_t>& path)
 
 } // namespace
 
-XeResult _getBrowsableContentsInFolder(_XeString<wchar_t> const& path,
-                                       std::vector<_XeString<wchar_t>>& out, bool filesOnly)
+XeResult _browseFolder(_XeString<wchar_t> const& path, bool filesOnly, const _TakeBrowsed& take)
 {
     // Foundation takes the empty path for that of the working folder.
     if (path.empty()) {
@@ -81,7 +80,8 @@ XeResult _getBrowsableContentsInFolder(_XeString<wchar_t> const& path,
         for (NSURL* item in contents) {
             NSString* const itemPath = [item path];
             if (![seen containsObject:itemPath] && _isListed(item, filesOnly)) {
-                out.push_back(_wideText(itemPath));
+                _XeString<wchar_t> listed = _wideText(itemPath);
+                take({listed, AT_FDCWD, [itemPath fileSystemRepresentation]});
             }
             [seen addObject:itemPath];
         }

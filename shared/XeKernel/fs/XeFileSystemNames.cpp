@@ -3,6 +3,7 @@
 #include "XeNativePath.h"
 #include "XeSafeCRT.h"
 #include "fs/ListedPath.h"
+#include "fs/LocalItem.h"
 #include "fs/NoThrow.h"
 
 #include <boost/filesystem/operations.hpp>
@@ -69,8 +70,8 @@ XeResult _findFreeName(std::wstring_view folder, const Text& name, Text& out)
 XeResult getUserDefinedName(wchar_t const* path, wchar_t const* name, _XeString<wchar_t>& out)
 {
     return noThrow(kXeGeneralFailure, [&] {
-        const Text wanted = name == nullptr ? L"" : name;
-        return _canBeName(wanted) ? _findFreeName(path == nullptr ? L"" : path, wanted, out)
+        const Text wanted = givenText(name);
+        return _canBeName(wanted) ? _findFreeName(givenText(path), wanted, out)
                                   : kXeInvalidArgument;
     });
 }

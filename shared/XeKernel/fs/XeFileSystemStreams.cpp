@@ -3,8 +3,8 @@
 #include "XeNativePath.h"
 #include "XeNetStream.h"
 #include "XeSafeCRT.h"
-#include "fs/Descriptor.h"
 #include "fs/NoThrow.h"
+#include "fs/RegularFile.h"
 #include "fs/RemoteVolume.h"
 #include "fs/XeFileSystemStreamsPlatform.h"
 
@@ -33,20 +33,12 @@ bool _isForStreams(const char* path)
     return stat(path, &status) != 0 || S_ISREG(status.st_mode);
 }
 
-bool _isRegular(int descriptor)
-{
-    struct stat status {};
-    return fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode);
-}
-
-/// Makes a regular file that of a closed buffer. A pipe that has come to the path since it was
-/// looked at is not waited for.
+/// Makes a regular file that of a closed buffer.
 bool _openInto(std::filebuf& buffer, const char* path, int flags, std::ios::openmode mode)
 {
-    Descriptor file(_isForStreams(path) ? openDescriptor(path, flags | O_NONBLOCK, kNewFileMode)
-                                        : -1);
-    return file && _isRegular(file.get()) &&
-           _attach(buffer, file.release(), mode | std::ios::binary);
+    Descriptor file =
+        _isForStreams(path) ? openRegularFile(path, flags, kNewFileMode) : Descriptor(-1);
+    return file && _attach(buffer, file.release(), mode | std::ios::binary);
 }
 
 /// A standard file stream, whose own way to open a file would wait for pipes and hand the

@@ -1,6 +1,7 @@
 #include "fs/XeFileSystemVolumesPlatform.h"
 
 #include "XeDevice.h"
+#include "fs/LocalItem.h"
 #include "fs/NoThrow.h"
 #include "fs/RemoteVolume.h"
 
@@ -11,8 +12,6 @@ constexpr wchar_t kVolumesFolder[] = L"/Volumes/";
 
 /// Files of a tape can be read from their beginning only, at the price of winding.
 constexpr char kTape[] = "ltfs";
-
-wchar_t const* _text(wchar_t const* path) { return path == nullptr ? L"" : path; }
 
 XeResult _getFormat(wchar_t const* path, EFileSystem& format)
 {
@@ -98,17 +97,17 @@ XeResult _getVolumeName(wchar_t const* path, _XeString<wchar_t>& name)
 
 XeResult getFileSystemFormat(wchar_t const* path, EFileSystem& format)
 {
-    return noThrow(kXeGeneralFailure, [&] { return _getFormat(_text(path), format); });
+    return noThrow(kXeGeneralFailure, [&] { return _getFormat(givenText(path), format); });
 }
 
 XeResult getVolumeMediaType(wchar_t const* path, EVolumeMediaType& type)
 {
-    return noThrow(kXeGeneralFailure, [&] { return _getVolumeMediaType(_text(path), type); });
+    return noThrow(kXeGeneralFailure, [&] { return _getVolumeMediaType(givenText(path), type); });
 }
 
 XeResult getVolumeName(wchar_t const* path, _XeString<wchar_t>& name)
 {
-    return noThrow(kXeGeneralFailure, [&] { return _getVolumeName(_text(path), name); });
+    return noThrow(kXeGeneralFailure, [&] { return _getVolumeName(givenText(path), name); });
 }
 
 XeResult getVolumeMountPoint(_XeString<wchar_t> const& path, _XeString<wchar_t>& mountPoint)
@@ -119,7 +118,7 @@ XeResult getVolumeMountPoint(_XeString<wchar_t> const& path, _XeString<wchar_t>&
 XeResult getVolumeSpace(wchar_t const* path, unsigned long long& free, unsigned long long& total)
 {
     const auto space =
-        noThrow(std::optional<VolumeSpace>(), [&] { return _readVolumeSpace(_text(path)); });
+        noThrow(std::optional<VolumeSpace>(), [&] { return _readVolumeSpace(givenText(path)); });
     if (space) { // the caller's own values need not be set
         free = space->free;
         total = space->total;
@@ -169,7 +168,7 @@ XeResult getDisplayName(_XeString<wchar_t> const& path, _XeString<wchar_t>& name
 
 XeResult mountableShareVolume(wchar_t const* path, _XeString<wchar_t>& url)
 {
-    return noThrow(kXeGeneralFailure, [&] { return _mountableShareVolume(_text(path), url); });
+    return noThrow(kXeGeneralFailure, [&] { return _mountableShareVolume(givenText(path), url); });
 }
 
 } // namespace XeFileSystem

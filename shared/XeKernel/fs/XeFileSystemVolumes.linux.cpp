@@ -17,19 +17,16 @@
 namespace XeFileSystem {
 namespace {
 
-/// Empty for text that names no file.
-std::string _native(wchar_t const* path) { return localPath(path).value_or(std::string()); }
-
 std::optional<Mount> _mountOf(wchar_t const* path)
 {
-    const auto place = findPlace(_native(path));
+    const auto place = findPlace(nativePath(path));
     return place ? findMount(*place) : std::nullopt;
 }
 
 /// Status of the volume of a path or of its nearest parent that exists.
 std::optional<struct statvfs> _volumeStatus(wchar_t const* path)
 {
-    const auto place = findNearestPlace(_native(path));
+    const auto place = findNearestPlace(nativePath(path));
     struct statvfs status {};
     return place && statvfs(place->path.c_str(), &status) == 0 ? std::optional(status)
                                                                : std::nullopt;
@@ -42,7 +39,8 @@ XeResult _getFileSystemName(wchar_t const* path, std::string& name)
 {
     name.clear();
     struct statfs status {};
-    const auto mount = statfs(_native(path).c_str(), &status) == 0 ? _mountOf(path) : std::nullopt;
+    const auto mount =
+        statfs(nativePath(path).c_str(), &status) == 0 ? _mountOf(path) : std::nullopt;
     if (!mount) {
         return kXeGeneralFailure;
     }
@@ -68,7 +66,7 @@ std::size_t _volumeFolderLength(std::wstring_view path)
 
 XeResult _getVolumeMountPoint(_XeString<wchar_t> const& path, _XeString<wchar_t>& mountPoint)
 {
-    const auto place = findNearestPlace(_native(path.c_str()));
+    const auto place = findNearestPlace(nativePath(path.c_str()));
     if (!place) {
         return kXeGeneralFailure;
     }
@@ -106,14 +104,14 @@ std::optional<std::vector<ListedVolume>> _listVolumes()
 
 std::optional<_XeString<wchar_t>> _withoutLinks(_XeString<wchar_t> const& path)
 {
-    const auto place = findPlace(_native(path.c_str()));
+    const auto place = findPlace(nativePath(path.c_str()));
     return place ? std::optional(xenon::path::fromNative(place->path)) : std::nullopt;
 }
 
 XeResult _getDisplayName(_XeString<wchar_t> const& path, _XeString<wchar_t>& name)
 {
     const _XeString<wchar_t> item(withoutEndingSeparators(path));
-    const std::string bytes = _native(item.c_str());
+    const std::string bytes = nativePath(item.c_str());
     struct stat status {};
     if (lstat(bytes.c_str(), &status) != 0) {
         return kXeGeneralFailure;
@@ -126,7 +124,7 @@ XeResult _getDisplayName(_XeString<wchar_t> const& path, _XeString<wchar_t>& nam
 
 XeResult _mountableShareVolume(wchar_t const* path, _XeString<wchar_t>& share)
 {
-    const auto place = findNearestPlace(_native(path));
+    const auto place = findNearestPlace(nativePath(path));
     const auto mount = place ? findMount(*place) : std::nullopt;
     const std::string url = mount ? mountedVolume::shareUrl(*mount) : std::string();
     if (url.empty()) {

@@ -176,7 +176,7 @@ bool isHidden(wchar_t const* path);
 bool isHidden(_XeString<wchar_t> const& path);
 
 /// True when the owner of the item may not write it; a folder is read-only also when this process
-/// may not write it. False for what cannot be looked up.
+/// may not write it, and so is a socket or a block device. False for what cannot be looked up.
 bool isFileReadonly(wchar_t const* path);
 bool isFileReadonly(_XeString<wchar_t> const& path);
 bool isFolderReadonly(wchar_t const* path);

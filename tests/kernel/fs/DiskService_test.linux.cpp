@@ -1,6 +1,7 @@
 #include "fs/DiskService.linux.h"
 
 #include "OpenDescriptors.h"
+#include "ProgramBeside.linux.h"
 #include "TemporaryFolder.h"
 
 #include <gtest/gtest.h>
@@ -91,8 +92,8 @@ protected:
             std::vector<std::string>{"dbus-daemon", "--session", "--nofork", "--nopidfile",
                                      "--print-address=1", "--address=" + m_address});
         ASSERT_TRUE(*m_bus) << "no dbus-daemon";
-        m_service = std::make_unique<Server>(
-            std::vector<std::string>{"/usr/bin/python3", TARVEL_UDISKS_MOCK, m_folder.path("log")});
+        m_service = std::make_unique<Server>(std::vector<std::string>{
+            "/usr/bin/python3", besideThisProgram("udisks_mock.py"), m_folder.path("log")});
         ASSERT_TRUE(*m_service) << "the service did not start";
     }
 

@@ -1,6 +1,7 @@
 #include "XeFileSystem.h"
 
 #include "ChangedEnvironment.h"
+#include "ProgramBeside.linux.h"
 #include "TemporaryFolder.h"
 #include "XeNativePath.h"
 #include "fs/ChildProcess.linux.h"
@@ -24,7 +25,7 @@ protected:
     {
         const fs::path copy = m_folder / name;
         fs::create_directories(copy.parent_path());
-        fs::copy_file(TARVEL_FILE_SYSTEM_PROBE, copy);
+        fs::copy_file(besideThisProgram("file_system_probe"), copy);
         return copy;
     }
 

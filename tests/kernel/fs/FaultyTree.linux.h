@@ -5,6 +5,7 @@
 #endif
 
 #include "FileTree.h"
+#include "FuseVolume.linux.h"
 #include "SmallVolume.linux.h"
 #include "XeFileSystem.h"
 
@@ -62,6 +63,17 @@ public:
     /// False where the rights of root are missing: there is no device, nothing immutable and no
     /// volume.
     bool isWhole() const { return m_whole; }
+
+    /// A volume whose server is gone; nothing where there is no FUSE. It lies outside of the tree,
+    /// since what is on it cannot be looked at.
+    std::optional<std::filesystem::path> lostVolume()
+    {
+        if (!m_lost) {
+            m_lost.emplace(m_outside / "source", m_outside / "lost.wav", "subtype=mirror");
+            m_lost->killServer();
+        }
+        return *m_lost ? std::optional(m_outside / "lost.wav") : std::nullopt;
+    }
 
 private:
     void make()
@@ -186,6 +198,8 @@ private:
     }
 
     const FileTree m_tree;
+    const TemporaryFolder m_outside;
+    std::optional<FuseVolume> m_lost;
     std::optional<SmallVolume> m_readOnly;
     std::optional<SmallVolume> m_full;
     int m_opens = -1;

@@ -3,7 +3,7 @@
 #include "IWatchFolder.h"
 #include "TemporaryFolder.h"
 #include "WatchFolder.h"
-#include "XeNativePath.h"
+#include "WidePath.h"
 
 #include <gtest/gtest.h>
 
@@ -87,11 +87,6 @@ bool waitUntil(Condition condition)
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
     return true;
-}
-
-inline _XeString<wchar_t> wide(const std::filesystem::path& path)
-{
-    return xenon::path::fromNative(path.native());
 }
 
 inline void createFile(const std::filesystem::path& path) { std::ofstream(path) << "x"; }

@@ -7,7 +7,7 @@
 #include "OrdinaryUser.h"
 #include "SmallVolume.linux.h"
 #include "TemporaryFolder.h"
-#include "XeNativePath.h"
+#include "WidePath.h"
 #include "fs/RemoteVolume.h"
 
 #include <gtest/gtest.h>
@@ -23,8 +23,6 @@ namespace fs = std::filesystem;
 
 constexpr auto kFailure = static_cast<XeResult>(0x80000008);
 constexpr auto kVolumeGone = static_cast<XeResult>(0x8004E195);
-
-_XeString<wchar_t> wide(const fs::path& path) { return xenon::path::fromNative(path.native()); }
 
 XeResult eject(const fs::path& path) { return XeDevice::ejectVolume(wide(path)); }
 

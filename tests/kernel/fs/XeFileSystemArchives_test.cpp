@@ -4,7 +4,7 @@
 #include "OpenDescriptors.h"
 #include "OrdinaryUser.h"
 #include "TemporaryFolder.h"
-#include "XeNativePath.h"
+#include "WidePath.h"
 
 #include <gtest/gtest.h>
 
@@ -25,8 +25,6 @@ using Text = _XeString<wchar_t>;
 
 constexpr auto kZipFailed = static_cast<XeResult>(0x8004E014);
 constexpr auto kUnzipFailed = static_cast<XeResult>(0x8004E015);
-
-Text wide(const fs::path& path) { return xenon::path::fromNative(path.native()); }
 
 XeResult zip(const fs::path& folder, const fs::path& archive, bool junkPaths = false)
 {

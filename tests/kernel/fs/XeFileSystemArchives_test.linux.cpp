@@ -1,15 +1,20 @@
 #include "XeFileSystem.h"
 
+#include "InChild.h"
+#include "ProgramBeside.linux.h"
 #include "SmallVolume.linux.h"
 #include "TemporaryFolder.h"
-#include "XeNativePath.h"
+#include "WidePath.h"
 #include "fs/ChildProcess.linux.h"
 #include "fs/XeFileSystemArchivesPlatform.h"
 
 #include <boost/crc.hpp>
 #include <gtest/gtest.h>
 
+#include <sched.h>
+#include <sys/mount.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <cstdint>
 #include <filesystem>
@@ -23,8 +28,6 @@ using Text = _XeString<wchar_t>;
 
 constexpr auto kZipFailed = static_cast<XeResult>(0x8004E014);
 constexpr auto kUnzipFailed = static_cast<XeResult>(0x8004E015);
-
-Text wide(const fs::path& path) { return xenon::path::fromNative(path.native()); }
 
 XeResult zip(const fs::path& folder, const fs::path& archive)
 {
@@ -141,6 +144,74 @@ TEST_F(ArchivesOnLinux, EntriesStayInsideTheFolder)
     EXPECT_FALSE(fs::exists(m_folder.path().parent_path() / "escaped"));
 }
 
+/// A program that writes down its folder and arguments, and ends as it is told.
+std::string notingTool(const std::string& log, int status)
+{
+    return "#!/bin/sh\n{ pwd -P; printf '%s\\n' \"$@\"; } >'" + log + "'\nexit " +
+           std::to_string(status) + "\n";
+}
+
+/// Has the tools write down how they are called, in place of what they do.
+class NotingTools : public testing::Test {
+protected:
+    void SetUp() override
+    {
+        if (geteuid() != 0) {
+            GTEST_SKIP() << "takes root to put something in the place of the tools";
+        }
+        fs::create_directory(m_folder / "in");
+    }
+
+    /// For this process alone, which ends soon.
+    void putInPlace(int status) const
+    {
+        const std::string tool = m_folder.write("tool", notingTool(m_log, status));
+        fs::permissions(tool, fs::perms(0755));
+        ASSERT_EQ(unshare(CLONE_NEWNS), 0);
+        ASSERT_EQ(mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr), 0);
+        for (const char* place : {"/usr/bin/zip", "/usr/bin/unzip"}) {
+            ASSERT_EQ(mount(tool.c_str(), place, nullptr, MS_BIND, nullptr), 0) << place;
+        }
+    }
+
+    /// Folder and arguments of the last call, a line each.
+    std::string call() const { return TemporaryFolder::contents(m_log); }
+
+    const TemporaryFolder m_folder;
+    const std::string m_log = m_folder.path("call");
+    const Text m_in = wide(m_folder / "in");
+    const Text m_archive = wide(m_folder / "archive.zip");
+};
+
+TEST_F(NotingTools, AreCalledWithTheirOptionsInOrder)
+{
+    inChild([&] {
+        putInPlace(0);
+        const std::string in = m_folder.path("in") + '\n';
+        const std::string archive = m_folder.path("archive.zip") + '\n';
+        EXPECT_EQ(XeFileSystem::zipFolder(m_in.c_str(), m_archive.c_str(), false), 0);
+        EXPECT_EQ(call(), in + "-q\n-r\n-u\n-0\n" + archive + ".\n");
+        EXPECT_EQ(XeFileSystem::zipFolder(m_in.c_str(), m_archive.c_str(), true), 0);
+        EXPECT_EQ(call(), in + "-q\n-r\n-u\n-0\n-j\n" + archive + ".\n");
+        EXPECT_EQ(XeFileSystem::unzipArchive(m_archive.c_str(), m_in.c_str(), false), 0);
+        EXPECT_EQ(call(), in + "-q\n-n\n-u\n" + archive);
+        EXPECT_EQ(XeFileSystem::unzipArchive(m_archive.c_str(), m_in.c_str(), true), 0);
+        EXPECT_EQ(call(), in + "-q\n-n\n-u\n-j\n" + archive);
+    });
+}
+
+TEST_F(NotingTools, FailWithAnyStatusButZero)
+{
+    for (const int status : {1, 12, 255}) {
+        inChild([&] {
+            putInPlace(status);
+            EXPECT_EQ(XeFileSystem::zipFolder(m_in.c_str(), m_archive.c_str(), false), kZipFailed);
+            EXPECT_EQ(XeFileSystem::unzipArchive(m_archive.c_str(), m_in.c_str(), false),
+                      kUnzipFailed);
+        });
+    }
+}
+
 /// A copy of the probe, beside which a tool for large archives can be put.
 class LargeArchive : public testing::Test {
 protected:
@@ -148,16 +219,13 @@ protected:
     {
         fs::create_directories(m_folder / "bin");
         fs::create_directory(m_folder / "out");
-        fs::copy_file(TARVEL_FILE_SYSTEM_PROBE, m_folder / "bin/probe");
+        fs::copy_file(besideThisProgram("file_system_probe"), m_folder / "bin/probe");
     }
 
-    /// A tool that writes down its folder and arguments.
     void addTool(int status) const
     {
         fs::create_directories(m_folder / "bin/Contents/unzip64");
-        m_folder.write("bin/Contents/unzip64/unzip",
-                       "#!/bin/sh\n{ pwd -P; printf '%s\\n' \"$@\"; } >'" + m_folder.path("call") +
-                           "'\nexit " + std::to_string(status) + "\n");
+        m_folder.write("bin/Contents/unzip64/unzip", notingTool(m_folder.path("call"), status));
         fs::permissions(m_folder / "bin/Contents/unzip64/unzip", fs::perms(0755));
     }
 

@@ -83,7 +83,12 @@ private:
 
 FailingCallPlan plan(FailingCallMode mode, int error)
 {
-    return {.functions = 0, .nth = 0, .error = error, .mode = mode, .onwards = false};
+    return {.functions = 0,
+            .nth = 0,
+            .error = error,
+            .mode = mode,
+            .onwards = false,
+            .meanwhile = nullptr};
 }
 
 /// Each call fails once, with every error that makes a difference: one that nobody expects, that of

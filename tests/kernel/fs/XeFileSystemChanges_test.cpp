@@ -4,6 +4,7 @@
 #include "MemoryFileSystem.h"
 #include "OrdinaryUser.h"
 #include "ResultCodes.h"
+#include "WidePath.h"
 
 #include <gtest/gtest.h>
 
@@ -21,7 +22,6 @@ using Text = _XeString<wchar_t>;
 
 class CreateFolder : public testing::Test {
 protected:
-    static Text wide(const fs::path& path) { return xenon::path::fromNative(path.native()); }
     static XeResult create(const Text& path) { return XeFileSystem::createFolder(path.c_str()); }
     static XeResult create(const fs::path& path) { return create(wide(path)); }
 

@@ -187,6 +187,19 @@ TEST_F(DeleteFolder, EndsTheWatchOnIt)
     EXPECT_FALSE(XeFileSystem::isWatchingFolder(handle));
 }
 
+TEST_F(DeleteFolder, EndsTheWatchAlsoOnAFolderThatStays)
+{
+    m_tree.makeFolder("full");
+    m_tree.write("full/file", "x");
+    WatchRecorder recorder;
+    std::shared_ptr<void> handle;
+    ASSERT_EQ(XeFileSystem::addWatchFolder(m_tree.wide("full"), recorder.observer(), handle), kOk);
+    EXPECT_EQ(deleteFolder("full", true), kOk);
+    EXPECT_EQ(recorder.ends(), 1);
+    EXPECT_FALSE(XeFileSystem::isWatchingFolder(handle));
+    EXPECT_EQ(m_tree.names("full"), std::vector<std::string>{"file"});
+}
+
 TEST_F(DeleteFolder, ReportsWhatIsStillThere)
 {
     m_tree.makeFolder("a");

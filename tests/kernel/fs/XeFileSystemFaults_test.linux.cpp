@@ -20,6 +20,7 @@
 
 #include "FaultyTree.linux.h"
 #include "OpenDescriptors.h"
+#include "XeDevice.h"
 #include "XeFileSystem.h"
 
 #include <gtest/gtest.h>
@@ -83,6 +84,7 @@ struct Operation {
     const char* paths;    // answers to kPaths
     const char* noRights; // to kNoRights, of an ordinary user
     const char* refused;  // to kRefused, of root
+    const char* lost;     // to a file on a volume whose server is gone, and to its mount point
 };
 
 struct Fault {
@@ -137,86 +139,90 @@ const std::vector<Fault> kRefused = {
 namespace X = XeFileSystem;
 
 const Operation kOperations[] = {
-    {"isFilePresent",        ONE(X::isFilePresent(path)),          false, "ffftfffffffffffff", "ftftf", "tfftfff"},
-    {"isFolderPresent",      ONE(X::isFolderPresent(path)),        false, "ffffffffffttfffff", "fftff", "ftfftff"},
-    {"isFolder",             ONE(X::isFolder(path)),               false, "ffffffffffttfffff", "fftff", "ftfftff"},
-    {"isFolderEmpty",        ONE(X::isFolderEmpty(path)),          false, "ffffffffffftfffff", "fffff", "fffffff"},
-    {"isHidden",             ONE(X::isHidden(path)),               false, "fffffffffffffffff", "fffff", "fffffff"},
-    {"isFileReadonly",       ONE(X::isFileReadonly(path)),         false, "fffffffffffffffff", "fttff", "ftfftff"},
-    {"isFolderReadonly",     ONE(X::isFolderReadonly(path)),       false, "fffffffffffffffff", "fttff", "ftfftff"},
-    {"isFileLocked",         ONE(X::isFileLocked(path)),           false, "fffffffffffffffff", "fffff", "ttfffff"},
-    {"isFolderLocked",       ONE(X::isFolderLocked(path)),         false, "fffffffffffffffff", "fffff", "ttfffff"},
-    {"isArchive",            ONE(X::isArchive(textOf(path))),      false, "fffffffffffffffff", "fffff", "fffffff"},
+    {"isFilePresent",        ONE(X::isFilePresent(path)),          false, "ffftfffffffffffff", "ftftf", "tfftfff", "ff"},
+    {"isFolderPresent",      ONE(X::isFolderPresent(path)),        false, "ffffffffffttfffff", "fftff", "ftfftff", "ff"},
+    {"isFolder",             ONE(X::isFolder(path)),               false, "ffffffffffttfffff", "fftff", "ftfftff", "ff"},
+    {"isFolderEmpty",        ONE(X::isFolderEmpty(path)),          false, "ffffffffffftfffff", "fffff", "fffffff", "ff"},
+    {"isHidden",             ONE(X::isHidden(path)),               false, "fffffffffffffffff", "fffff", "fffffff", "ff"},
+    {"isFileReadonly",       ONE(X::isFileReadonly(path)),         false, "fffffffffffffffff", "fttff", "ftfftff", "ff"},
+    {"isFolderReadonly",     ONE(X::isFolderReadonly(path)),       false, "fffffffffffffffff", "fttff", "ftfftff", "ff"},
+    {"isFileLocked",         ONE(X::isFileLocked(path)),           false, "fffffffffffffffff", "fffff", "ttfffff", "ff"},
+    {"isFolderLocked",       ONE(X::isFolderLocked(path)),         false, "fffffffffffffffff", "fffff", "ttfffff", "ff"},
+    {"isArchive",            ONE(X::isArchive(textOf(path))),      false, "fffffffffffffffff", "fffff", "fffffff", "ff"},
 
-    {"createFolder",         ONE(X::createFolder(path)),           true,  "**FFFFFFFF00FFFFF", "FF0FF", "F0FF0F*"},
-    {"copyFile from",        ONE(X::copyFile(path, spare.none.c_str(), false)),   true, "FFF*FFFFFFFFFFFFF", "FFF*F", "*FF*FFF"},
-    {"copyFile onto",        ONE(X::copyFile(path, spare.file.c_str(), false)),   true, "FFF*FFFFFFFFFFFFF", "FFF*F", "*FF*FFF"},
-    {"copyFile to",          ONE(X::copyFile(spare.file.c_str(), path, false)),   true, "*FF*FFFFFFFFFFFFF", "F*FGF", "GFFGFFF"},
-    {"copyFile to new",      ONE(X::copyFile(spare.file.c_str(), path, true)),    true, "*FFGFFFFFFFFFFFFF", "FGFGF", "GFFGFFF"},
-    {"copyFile to itself",   ONE(X::copyFile(path, path, false)),                 true, "FFFGFFFFFFFFFFFFF", "FGFGF", "GFFGFFF"},
-    {"copyFolder from",      ONE(X::copyFolder(path, spare.none.c_str(), kCopyMerge)),          true, "SSSSSSSSSS**SSSSS", "SSFSS", "S*SS*SS"},
-    {"copyFolder to",        ONE(X::copyFolder(spare.folder.c_str(), path, kCopyMerge)),        true, "*GGGGGGGGG**GGGGG", "GGFGG", "GGGGGG!"},
-    {"copyFolder to new",    ONE(X::copyFolder(spare.folder.c_str(), path, kCopyFailIfExists)), true, "*GGGGGGGGGGGGGGGG", "GGGGG", "GGGGGG!"},
-    {"copyFolder to itself", ONE(X::copyFolder(path, path, kCopyMerge)),          true, "SSSSSSSSSSGGSSSSS", "SSGSS", "SGSSGSS"},
-    {"renameFile from",      ONE(X::renameFile(path, spare.none.c_str(), true)),  true, "GGG***G*****GGGGG", "G**GG", "GGGGGGG"},
-    {"renameFile to",        ONE(X::renameFile(spare.file.c_str(), path, false)), true, "*GG***G***GGGGGGG", "G*GGG", "GGGGGGG"},
-    {"renameFile to new",    ONE(X::renameFile(spare.file.c_str(), path, true)),  true, "*GGDDDGDDDDDGGGGG", "GDDDG", "DDGDDGG"},
-    {"renameFile to itself", ONE(X::renameFile(path, path, false)),               true, "GGG000G00000GGGGG", "G000G", "00GGGGG"},
-    {"moveFile from",        ONE(X::moveFile(path, spare.none.c_str())),          true, "GGG***G*****GGGFF", "G**GG", "GGG!FFF"},
-    {"moveFile to",          ONE(X::moveFile(spare.file.c_str(), path)),          true, "*GG***G***GGGGGFF", "G*GGG", "GGGGFFF"},
-    {"linkFile to, symbolic", ONE(X::linkFile(path, spare.none.c_str(), true)),   true, "*************FFFF", "*****", "*******"},
-    {"linkFile to, hard",    ONE(X::linkFile(path, spare.none.c_str(), false)),   true, "FFF***F***FFFFFFF", "FFF*F", "FFFFFFF"},
-    {"linkFile at, symbolic", ONE(X::linkFile(spare.file.c_str(), path, true)),   true, "*FFDDDFDDDDDFFFFF", "FDDDF", "DDFDDF*"},
-    {"linkFile at, hard",    ONE(X::linkFile(spare.file.c_str(), path, false)),   true, "*FFDDDFDDDDDFFFFF", "FDDDF", "DDFDDFF"},
-    {"deleteFile",           ONE(X::deleteFile(path)),             true,  "GGG***G***GGGGGGG", "G*GGG", "GGGGGGG"},
-    {"deleteFolder",         ONE(X::deleteFolder(path, false)),    true,  "0000000000**00000", "00G00", "0G00G00"},
-    {"deleteFolder if empty", ONE(X::deleteFolder(path, true)),    true,  "00000000000*00000", "00000", "0000000"},
-    {"deleteEmptyFolders",   ONE(X::deleteEmptyFolders(path, false)), true, "00000000000000000", "00G00", "0000000"},
-    {"deleteEmptyFolders, too", ONE(X::deleteEmptyFolders(path, true)), true, "00000000000*00000", "00G00", "0000000"},
-    {"moveFileToTrash",      ONE(X::moveFileToTrash(path)),        true,  "GGG***G*****GGGGG", "G*GGG", "GGGGGGG"},
-    {"moveFolderToTrash",    ONE(X::moveFolderToTrash(path)),      true,  "GGG***G*****GGGGG", "G*GGG", "GGGGGGG"},
-    {"setLockFile",          ONE(X::setLockFile(textOf(path), false)), true, "ffftffffffttfffff", "fffff", "ttfffff"},
-    {"setFileReadonly",      ONE(X::setFileReadonly(path, true)),  true,  "fff*fff*****fffff", "fffff", "fffffff"},
-    {"touchLastModified",    ONE(X::touchLastModified(path)),      true,  "GGG0GGG00000GGGGG", "GGG0G", "GGGGGGG"},
+    {"createFolder",         ONE(X::createFolder(path)),           true,  "**FFFFFFFF00FFFFF", "FF0FF", "F0FF0F*", "FF"},
+    {"copyFile from",        ONE(X::copyFile(path, spare.none.c_str(), false)),   true, "FFF*FFFFFFFFFFFFF", "FFF*F", "*FF*FFF", "FF"},
+    {"copyFile onto",        ONE(X::copyFile(path, spare.file.c_str(), false)),   true, "FFF*FFFFFFFFFFFFF", "FFF*F", "*FF*FFF", "FF"},
+    {"copyFile to",          ONE(X::copyFile(spare.file.c_str(), path, false)),   true, "*FF*FFFFFFFFFFFFF", "F*FGF", "GFFGFFF", "FF"},
+    {"copyFile to new",      ONE(X::copyFile(spare.file.c_str(), path, true)),    true, "*FFGFFFFFFFFFFFFF", "FGFGF", "GFFGFFF", "FF"},
+    {"copyFile to itself",   ONE(X::copyFile(path, path, false)),                 true, "FFFGFFFFFFFFFFFFF", "FGFGF", "GFFGFFF", "FF"},
+    {"copyFolder from",      ONE(X::copyFolder(path, spare.none.c_str(), kCopyMerge)),          true, "SSSSSSSSSS**SSSSS", "SSFSS", "S*SS*SS", "SS"},
+    {"copyFolder to",        ONE(X::copyFolder(spare.folder.c_str(), path, kCopyMerge)),        true, "*GGGGGGGGG**GGGGG", "GGFGG", "GGGGGG!", "GG"},
+    {"copyFolder to new",    ONE(X::copyFolder(spare.folder.c_str(), path, kCopyFailIfExists)), true, "*GGGGGGGGGGGGGGGG", "GGGGG", "GGGGGG!", "GG"},
+    {"copyFolder to itself", ONE(X::copyFolder(path, path, kCopyMerge)),          true, "SSSSSSSSSSGGSSSSS", "SSGSS", "SGSSGSS", "SS"},
+    {"renameFile from",      ONE(X::renameFile(path, spare.none.c_str(), true)),  true, "GGG***G*****GGGGG", "G**GG", "GGGGGGG", "GG"},
+    {"renameFile to",        ONE(X::renameFile(spare.file.c_str(), path, false)), true, "*GG***G***GGGGGGG", "G*GGG", "GGGGGGG", "GG"},
+    {"renameFile to new",    ONE(X::renameFile(spare.file.c_str(), path, true)),  true, "*GGDDDGDDDDDGGGGG", "GDDDG", "DDGDDGG", "GG"},
+    {"renameFile to itself", ONE(X::renameFile(path, path, false)),               true, "GGG000G00000GGGGG", "G000G", "00GGGGG", "G0"},
+    {"moveFile from",        ONE(X::moveFile(path, spare.none.c_str())),          true, "GGG***G*****GGGFF", "G**GG", "GGG!FFF", "FG"},
+    {"moveFile to",          ONE(X::moveFile(spare.file.c_str(), path)),          true, "*GG***G***GGGGGFF", "G*GGG", "GGGGFFF", "FG"},
+    {"linkFile to, symbolic", ONE(X::linkFile(path, spare.none.c_str(), true)),   true, "*************FFFF", "*****", "*******", "**"},
+    {"linkFile to, hard",    ONE(X::linkFile(path, spare.none.c_str(), false)),   true, "FFF***F***FFFFFFF", "FFF*F", "FFFFFFF", "FF"},
+    {"linkFile at, symbolic", ONE(X::linkFile(spare.file.c_str(), path, true)),   true, "*FFDDDFDDDDDFFFFF", "FDDDF", "DDFDDF*", "FF"},
+    {"linkFile at, hard",    ONE(X::linkFile(spare.file.c_str(), path, false)),   true, "*FFDDDFDDDDDFFFFF", "FDDDF", "DDFDDFF", "FF"},
+    {"deleteFile",           ONE(X::deleteFile(path)),             true,  "GGG***G***GGGGGGG", "G*GGG", "GGGGGGG", "GG"},
+    {"deleteFolder",         ONE(X::deleteFolder(path, false)),    true,  "0000000000**00000", "00G00", "0G00G00", "00"},
+    {"deleteFolder if empty", ONE(X::deleteFolder(path, true)),    true,  "00000000000*00000", "00000", "0000000", "00"},
+    {"deleteEmptyFolders",   ONE(X::deleteEmptyFolders(path, false)), true, "00000000000000000", "00G00", "0000000", "00"},
+    {"deleteEmptyFolders, too", ONE(X::deleteEmptyFolders(path, true)), true, "00000000000*00000", "00G00", "0000000", "00"},
+    {"moveFileToTrash",      ONE(X::moveFileToTrash(path)),        true,  "GGG***G*****GGGGG", "G*GGG", "GGGGGGG", "GG"},
+    {"moveFolderToTrash",    ONE(X::moveFolderToTrash(path)),      true,  "GGG***G*****GGGGG", "G*GGG", "GGGGGGG", "GG"},
+    {"setLockFile",          ONE(X::setLockFile(textOf(path), false)), true, "ffftffffffttfffff", "fffff", "ttfffff", "ff"},
+    {"setFileReadonly",      ONE(X::setFileReadonly(path, true)),  true,  "fff*fff*****fffff", "fffff", "fffffff", "ff"},
+    {"touchLastModified",    ONE(X::touchLastModified(path)),      true,  "GGG0GGG00000GGGGG", "GGG0G", "GGGGGGG", "GG"},
 
-    {"getBrowsableSubFolders", LIST(getBrowsableSubFolders, out),             false, "GGGGGGGGGG00GGGGG", "GGGGG", "G0GG0GG"},
-    {"getBrowsableSubFoldersNative", LIST(getBrowsableSubFoldersNative, out), false, "GGGGGGGGGG00GGGGG", "GGGGG", "G0GG0GG"},
-    {"getBrowsableFilesInFolder", LIST(getBrowsableFilesInFolder, out),       false, "GGGGGGGGGG00GGGGG", "GGGGG", "G0GG0GG"},
+    {"getBrowsableSubFolders", LIST(getBrowsableSubFolders, out),             false, "GGGGGGGGGG00GGGGG", "GGGGG", "G0GG0GG", "GG"},
+    {"getBrowsableSubFoldersNative", LIST(getBrowsableSubFoldersNative, out), false, "GGGGGGGGGG00GGGGG", "GGGGG", "G0GG0GG", "GG"},
+    {"getBrowsableFilesInFolder", LIST(getBrowsableFilesInFolder, out),       false, "GGGGGGGGGG00GGGGG", "GGGGG", "G0GG0GG", "GG"},
     {"getBrowsableFilesWithAttribute",
      [](wchar_t const* path, const Spare&) { std::vector<std::pair<Text, tFileAtrribute>> out; return answer(X::getBrowsableFilesWithAttribute(path, out)); },
-                                                                              false, "GGGGGGGGGG00GGGGG", "GGGGG", "G0GG0GG"},
-    {"getFilesInFolder",     LIST(getFilesInFolder, nullptr, true, out, true), false, "GGGGGGGGGG00GGGGG", "GGGGG", "G0GG0GG"},
-    {"getFilesAndFoldersInFolder", LIST(getFilesAndFoldersInFolder, L"*", out), false, "GGGGGGGGGG00GGGGG", "GGGGG", "G0GG0GG"},
-    {"getSubFolders",        LIST(getSubFolders, true, out),       false, "GGGGGGGGGG00GGGGG", "GGGGG", "G0GG0GG"},
+                                                                              false, "GGGGGGGGGG00GGGGG", "GGGGG", "G0GG0GG", "GG"},
+    {"getFilesInFolder",     LIST(getFilesInFolder, nullptr, true, out, true), false, "GGGGGGGGGG00GGGGG", "GGGGG", "G0GG0GG", "GG"},
+    {"getFilesAndFoldersInFolder", LIST(getFilesAndFoldersInFolder, L"*", out), false, "GGGGGGGGGG00GGGGG", "GGGGG", "G0GG0GG", "GG"},
+    {"getSubFolders",        LIST(getSubFolders, true, out),       false, "GGGGGGGGGG00GGGGG", "GGGGG", "G0GG0GG", "GG"},
 
-    {"getLastModified",      [](wchar_t const* path, const Spare&) { tFileTime time; return answer(X::getLastModified(path, time)); }, false, "GGG0GGG00000GGGGG", "G000G", "00G00GG"},
-    {"getModifiedTime",      ONE(static_cast<long long>(X::getModifiedTime(path))), false, "---+---+++++-----", "-+++-", "++-++--"},
-    {"getCreationTime",      ONE(static_cast<long long>(X::getCreationTime(path))), false, "---+---+++++-----", "-+++-", "++-++--"},
-    {"getFileSize, result",  [](wchar_t const* path, const Spare&) { long long size = 0; return answer(X::getFileSize(path, size)); }, false, "GGG0GGGGGGGGGGGGG", "G0G0G", "0GG0GGG"},
-    {"getFileSize",          ONE(X::getFileSize(path)),            false, "---+-------------", "-+-+-", "+--+---"},
-    {"getFileAttribute",     [](wchar_t const* path, const Spare&) { tFileAtrribute attribute; return answer(X::getFileAttribute(path, attribute)); }, false, "GGG0GGG00000GGGGG", "G000G", "00G00GG"},
+    {"getLastModified",      [](wchar_t const* path, const Spare&) { tFileTime time; return answer(X::getLastModified(path, time)); }, false, "GGG0GGG00000GGGGG", "G000G", "00G00GG", "GG"},
+    {"getModifiedTime",      ONE(static_cast<long long>(X::getModifiedTime(path))), false, "---+---+++++-----", "-+++-", "++-++--", "--"},
+    {"getCreationTime",      ONE(static_cast<long long>(X::getCreationTime(path))), false, "---+---+++++-----", "-+++-", "++-++--", "--"},
+    {"getFileSize, result",  [](wchar_t const* path, const Spare&) { long long size = 0; return answer(X::getFileSize(path, size)); }, false, "GGG0GGGGGGGGGGGGG", "G0G0G", "0GG0GGG", "GG"},
+    {"getFileSize",          ONE(X::getFileSize(path)),            false, "---+-------------", "-+-+-", "+--+---", "--"},
+    {"getFileAttribute",     [](wchar_t const* path, const Spare&) { tFileAtrribute attribute; return answer(X::getFileAttribute(path, attribute)); }, false, "GGG0GGG00000GGGGG", "G000G", "00G00GG", "GG"},
 
-    {"openIStream",          ONE(X::openIStream(textOf(path))),    false, "bbbgbbbbbbbbbbbbb", "bbbgb", "gbbgbbb"},
-    {"openOStream",          ONE(X::openOStream(textOf(path))),    true,  "*bb**bbbbbbbbbbbb", "bbb*b", "bbbbbb*"},
+    {"openIStream",          ONE(X::openIStream(textOf(path))),    false, "bbbgbbbbbbbbbbbbb", "bbbgb", "gbbgbbb", "bb"},
+    {"openOStream",          ONE(X::openOStream(textOf(path))),    true,  "*bb**bbbbbbbbbbbb", "bbb*b", "bbbbbb*", "bb"},
 
-    {"zipFolder of",         ONE(X::zipFolder(path, spare.none.c_str(), false)),      true, "FFFFFFFFFF*FFFFFF", "FFFFF", "F*FF*FF"},
-    {"zipFolder to",         ONE(X::zipFolder(spare.folder.c_str(), path, false)),    true, "*FFF*FFFFFFFFFFFF", "FF*FF", "F*FFFF!"},
-    {"unzipArchive of",      ONE(X::unzipArchive(path, spare.folder.c_str(), false)), true, "UUUUUUUUUUUUUUUUU", "UUUUU", "UUUUUUU"},
-    {"unzipArchive to",      ONE(X::unzipArchive(spare.archive.c_str(), path, false)),   true, "UUUUUUUUUU**UUUUU", "UUUUU", "UUUUUUU"},
+    {"zipFolder of",         ONE(X::zipFolder(path, spare.none.c_str(), false)),      true, "FFFFFFFFFF*FFFFFF", "FFFFF", "F*FF*FF", "FF"},
+    {"zipFolder to",         ONE(X::zipFolder(spare.folder.c_str(), path, false)),    true, "*FFF*FFFFFFFFFFFF", "FF*FF", "F*FFFF!", "FF"},
+    {"unzipArchive of",      ONE(X::unzipArchive(path, spare.folder.c_str(), false)), true, "UUUUUUUUUUUUUUUUU", "UUUUU", "UUUUUUU", "UU"},
+    {"unzipArchive to",      ONE(X::unzipArchive(spare.archive.c_str(), path, false)),   true, "UUUUUUUUUU**UUUUU", "UUUUU", "UUUUUUU", "UU"},
 
-    {"getFileSystemFormat",  [](wchar_t const* path, const Spare&) { EFileSystem format{}; return answer(X::getFileSystemFormat(path, format)); }, false, "GGG0GGG00000GGGGG", "G000G", "00G00GG"},
-    {"getVolumeMediaType",   [](wchar_t const* path, const Spare&) { EVolumeMediaType type{}; return answer(X::getVolumeMediaType(path, type)); }, false, "GGG0GGG00000GGGGG", "G000G", "00G00GG"},
-    {"getVolumeName",        [](wchar_t const* path, const Spare&) { Text name; return answer(X::getVolumeName(path, name)); }, false, "00000000000000000", "00000", "0000000"},
-    {"getVolumeMountPoint",  [](wchar_t const* path, const Spare&) { Text at; return answer(X::getVolumeMountPoint(textOf(path), at)); }, false, "00G00GG00000G0GGG", "G0000", "0000000"},
-    {"getVolumeSpace",       [](wchar_t const* path, const Spare&) { unsigned long long free, total; return answer(X::getVolumeSpace(path, free, total)); }, false, "00G00GG00000G0GGG", "G0000", "0000000"},
-    {"getFreeSpace",         ONE(X::getFreeSpace(path) > 0),       false, "ttfttfftttttftfff", "ftttt", "ttttttf"},
-    {"isVolumeWritable",     [](wchar_t const* path, const Spare&) { bool writable; return answer(X::isVolumeWritable(textOf(path), writable)); }, false, "00G00GG00000G0GGG", "G0000", "0000000"},
-    {"isSeekableVolume",     ONE(X::isSeekableVolume(textOf(path))), false, "ttfttfftttttftfff", "ftttt", "ttttttt"},
-    {"getSubVolumes",        [](wchar_t const* path, const Spare&) { Paths out; return answer(X::getSubVolumes(textOf(path), out)); }, false, "00000000000000000", "00000", "0000000"},
-    {"getDisplayName",       [](wchar_t const* path, const Spare&) { Text name; return answer(X::getDisplayName(textOf(path), name)); }, false, "GGG000G00000GGGGG", "G000G", "00G00GG"},
-    {"mountableShareVolume", [](wchar_t const* path, const Spare&) { Text url; return answer(X::mountableShareVolume(path, url)); }, false, "GGGGGGGGGGGGGGGGG", "GGGGG", "GGGGGGG"},
-    {"getUserDefinedName",   [](wchar_t const* path, const Spare&) { Text name; return answer(X::getUserDefinedName(path, L"a", name)); }, false, "00000000000000000", "00000", "0000000"},
-    {"getStrictFileName",    [](wchar_t const* path, const Spare&) { Text name; return answer(X::getStrictFileName(textOf(path), name)); }, false, "ffftffftttttfffff", "ftttf", "ttfttff"},
+    {"getFileSystemFormat",  [](wchar_t const* path, const Spare&) { EFileSystem format{}; return answer(X::getFileSystemFormat(path, format)); }, false, "GGG0GGG00000GGGGG", "G000G", "00G00GG", "GG"},
+    {"getVolumeMediaType",   [](wchar_t const* path, const Spare&) { EVolumeMediaType type{}; return answer(X::getVolumeMediaType(path, type)); }, false, "GGG0GGG00000GGGGG", "G000G", "00G00GG", "G0"},
+    {"getVolumeName",        [](wchar_t const* path, const Spare&) { Text name; return answer(X::getVolumeName(path, name)); }, false, "00000000000000000", "00000", "0000000", "00"},
+    {"getVolumeMountPoint",  [](wchar_t const* path, const Spare&) { Text at; return answer(X::getVolumeMountPoint(textOf(path), at)); }, false, "00G00GG00000G0GGG", "G0000", "0000000", "00"},
+    {"getVolumeSpace",       [](wchar_t const* path, const Spare&) { unsigned long long free, total; return answer(X::getVolumeSpace(path, free, total)); }, false, "00G00GG00000G0GGG", "G0000", "0000000", "GG"},
+    {"getFreeSpace",         ONE(X::getFreeSpace(path) > 0),       false, "ttfttfftttttftfff", "ftttt", "ttttttf", "ff"},
+    {"isVolumeWritable",     [](wchar_t const* path, const Spare&) { bool writable; return answer(X::isVolumeWritable(textOf(path), writable)); }, false, "00G00GG00000G0GGG", "G0000", "0000000", "GG"},
+    {"isSeekableVolume",     ONE(X::isSeekableVolume(textOf(path))), false, "ttfttfftttttftfff", "ftttt", "ttttttt", "ff"},
+    {"getSubVolumes",        [](wchar_t const* path, const Spare&) { Paths out; return answer(X::getSubVolumes(textOf(path), out)); }, false, "00000000000000000", "00000", "0000000", "00"},
+    {"getDisplayName",       [](wchar_t const* path, const Spare&) { Text name; return answer(X::getDisplayName(textOf(path), name)); }, false, "GGG000G00000GGGGG", "G000G", "00G00GG", "GG"},
+    {"mountableShareVolume", [](wchar_t const* path, const Spare&) { Text url; return answer(X::mountableShareVolume(path, url)); }, false, "GGGGGGGGGGGGGGGGG", "GGGGG", "GGGGGGG", "GG"},
+    {"getUserDefinedName",   [](wchar_t const* path, const Spare&) { Text name; return answer(X::getUserDefinedName(path, L"a", name)); }, false, "00000000000000000", "00000", "0000000", "00"},
+    {"getStrictFileName",    [](wchar_t const* path, const Spare&) { Text name; return answer(X::getStrictFileName(textOf(path), name)); }, false, "ffftffftttttfffff", "ftttf", "ttfttff", "ff"},
+
+    {"XeDevice::getUSBDeviceType", [](wchar_t const* path, const Spare&) { auto type = kVolumeRemovable; return answer(XeDevice::getUSBDeviceType(path, type)); }, false, "GGG0GGG00000GGGGG", "G000G", "00G00GG", "G0"},
+    // ends the lost volume
+    {"XeDevice::ejectVolume", ONE(XeDevice::ejectVolume(textOf(path))), true, "GGGGGGGGGGGGGGGGG", "GGGGG", "GGGGGGG", "G0"},
 };
 
 // clang-format on
@@ -262,7 +268,13 @@ private:
     char answerTo(const Operation& operation, const Fault& fault, uid_t user)
     {
         const Text text = pathOf(fault);
-        wchar_t const* const path = std::string(fault.name) == "null" ? nullptr : text.c_str();
+        return answerTo(operation, std::string(fault.name) == "null" ? nullptr : text.c_str(),
+                        user);
+    }
+
+protected:
+    char answerTo(const Operation& operation, wchar_t const* path, uid_t user)
+    {
         const auto before = m_faulty.items();
         char answer = answerOfChild(operation, path, user);
         if (m_faulty.wasSpecialOpened()) {
@@ -276,6 +288,7 @@ private:
         return !changed ? answer : operation.changes && success ? '*' : '!';
     }
 
+private:
     char answerOfChild(const Operation& operation, wchar_t const* path, uid_t user) const
     {
         const pid_t child = fork();
@@ -337,6 +350,22 @@ TEST_F(EveryPathFunction, AnswersToWhatTheSystemRefusesEvenToRoot)
     }
     for (const Operation& operation : kOperations) {
         EXPECT_EQ(answers(operation, kRefused, geteuid()), operation.refused) << operation.name;
+    }
+}
+
+TEST_F(EveryPathFunction, AnswersToAVolumeThatDoesNotAnswer)
+{
+    const auto volume = m_faulty.lostVolume();
+    if (!volume) {
+        GTEST_SKIP() << FuseVolume::reason();
+    }
+    for (const Operation& operation : kOperations) {
+        std::string answers;
+        for (const std::filesystem::path& path : {*volume / "file.wav", *volume}) {
+            answers +=
+                answerTo(operation, xenon::path::fromNative(path.native()).c_str(), geteuid());
+        }
+        EXPECT_EQ(answers, operation.lost) << operation.name;
     }
 }
 

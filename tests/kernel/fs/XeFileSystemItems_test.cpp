@@ -4,6 +4,7 @@
 #include "MemoryFileSystem.h"
 #include "OrdinaryUser.h"
 #include "TemporaryFolder.h"
+#include "WidePath.h"
 #include "XeNativePath.h"
 #include "XePath.h"
 
@@ -25,8 +26,6 @@ using Text = _XeString<wchar_t>;
 
 class Presence : public testing::Test {
 protected:
-    static Text wide(const fs::path& path) { return xenon::path::fromNative(path.native()); }
-
     fs::path file(const std::string& name) const
     {
         std::ofstream(m_folder / name) << "x";
@@ -229,7 +228,6 @@ TEST(ItemFunctions, WorkOnNamesThatAreNotUtf8)
 
 class Items : public testing::Test {
 protected:
-    static Text wide(const fs::path& path) { return xenon::path::fromNative(path.native()); }
     Text item(const std::string& name) const { return wide(m_folder / name); }
     Text file(const std::string& name, const std::string& bytes = "x") const
     {
@@ -340,6 +338,32 @@ TEST_F(Items, AFolderIsReadonlyAlsoWhenThisProcessMayNotWriteIt)
     asOrdinaryUser([&] { expectReadonly(false); });
     setMode("folder", 0577);
     asOrdinaryUser([&] { expectReadonly(true); });
+}
+
+// Their types have the bit that tells folders.
+TEST_F(Items, SocketsAreReadonlyAsFoldersAre)
+{
+    if (geteuid() != 0) {
+        GTEST_SKIP() << "takes root to make a socket that is somebody else's";
+    }
+    makeReachable();
+    ASSERT_EQ(mknod(m_folder.path("socket").c_str(), S_IFSOCK, 0), 0);
+    ASSERT_EQ(mkfifo(m_folder.path("pipe").c_str(), 0), 0);
+    const auto expectReadonly = [&](const std::string& name, bool readonly) {
+        tFileAtrribute attribute;
+        EXPECT_EQ(XeFileSystem::isFileReadonly(item(name)), readonly) << name;
+        EXPECT_EQ(XeFileSystem::getFileAttribute(item(name).c_str(), attribute), 0);
+        EXPECT_EQ(attribute.readonly, readonly) << name;
+    };
+    for (const mode_t mode : {0755, 0722}) {
+        setMode("socket", mode);
+        setMode("pipe", mode);
+        expectReadonly("socket", false);
+        asOrdinaryUser([&] {
+            expectReadonly("socket", mode == 0755);
+            expectReadonly("pipe", false);
+        });
+    }
 }
 
 TEST_F(Items, SettingReadonlyChangesTheOwnersRightToWriteOnly)

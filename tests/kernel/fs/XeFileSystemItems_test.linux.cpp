@@ -5,7 +5,7 @@
 #include "OrdinaryUser.h"
 #include "SmallVolume.linux.h"
 #include "TemporaryFolder.h"
-#include "XeNativePath.h"
+#include "WidePath.h"
 #include "fs/StoredName.linux.h"
 
 #include <gmock/gmock.h>
@@ -28,8 +28,6 @@ namespace {
 
 namespace fs = std::filesystem;
 using Text = _XeString<wchar_t>;
-
-Text wide(const fs::path& path) { return xenon::path::fromNative(path.native()); }
 
 /// The file system's own flags of an item, read and set without the library.
 class Flags {

@@ -4,6 +4,7 @@
 #include "OpenDescriptors.h"
 #include "OrdinaryUser.h"
 #include "TemporaryFolder.h"
+#include "WidePath.h"
 #include "XeNativePath.h"
 
 #include <gmock/gmock.h>
@@ -30,8 +31,6 @@ using testing::UnorderedElementsAre;
 using testing::UnorderedElementsAreArray;
 
 constexpr auto kFailed = static_cast<XeResult>(0x80000008);
-
-Text wide(const fs::path& path) { return xenon::path::fromNative(path.native()); }
 
 class Listings : public testing::Test {
 protected:
@@ -420,7 +419,7 @@ TEST_F(Listings, FolderThatMayNotBeEnteredTellsWhatItsOwnEntriesTell)
     m_folder.write("closed/file", "x");
     makeLink("closed/link", "file");
     fs::permissions(m_folder.path(), fs::perms(0755));
-    fs::permissions(m_folder / "closed", fs::perms(0744));
+    fs::permissions(m_folder / "closed", fs::perms(0444));
     asOrdinaryUser([&] {
         EXPECT_THAT(listed(subFolders(false), "closed"), ElementsAre("below"));
         EXPECT_THAT(listed(files(), "closed", kFailed), ElementsAre("file"));

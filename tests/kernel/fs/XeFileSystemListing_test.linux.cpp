@@ -22,13 +22,13 @@ class PackageListing : public testing::Test {
 protected:
     std::vector<std::string> listed(bool filesOnly) const
     {
-        std::vector<_XeString<wchar_t>> out;
-        const auto path = xenon::path::fromNative(m_folder.path().native());
-        EXPECT_EQ(XeFileSystem::listBrowsable(path, out, filesOnly, isBundle), 0);
         std::vector<std::string> names;
-        for (const auto& entry : out) {
-            names.push_back(fs::path(xenon::path::toNative(entry).value()).filename());
-        }
+        const auto path = xenon::path::fromNative(m_folder.path().native());
+        const auto take = [&](const XeFileSystem::_BrowsedItem& item) {
+            EXPECT_EQ(fs::path(xenon::path::toNative(item.path).value()).filename(), item.name);
+            names.emplace_back(item.name);
+        };
+        EXPECT_EQ(XeFileSystem::browseFolder(path, filesOnly, isBundle, take), 0);
         return names;
     }
 

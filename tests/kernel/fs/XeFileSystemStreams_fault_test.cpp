@@ -138,7 +138,7 @@ TEST_F(StreamFaults, FailedCloseIsToldByClosing)
 
 TEST_F(StreamFaults, ShortReadsAndWritesMoveEverything)
 {
-    const FailingCallPlan plan{kFailRead | kFailWrite, 1, 0, kFailShort, true};
+    const FailingCallPlan plan{kFailRead | kFailWrite, 1, 0, kFailShort, true, nullptr};
     armFailingCalls(&plan);
     {
         const auto input = XeFileSystem::openIStream(wide("file"));

@@ -4,7 +4,7 @@
 #include "OpenDescriptors.h"
 #include "OrdinaryUser.h"
 #include "TemporaryFolder.h"
-#include "XeNativePath.h"
+#include "WidePath.h"
 #include "XeNetStream.h"
 
 #include <gmock/gmock.h>
@@ -28,8 +28,6 @@ using Text = _XeString<wchar_t>;
 using testing::ElementsAre;
 using xenon::network::XeNetOStream;
 using xenon::network::XeNetStream;
-
-Text wide(const fs::path& path) { return xenon::path::fromNative(path.native()); }
 
 std::shared_ptr<std::istream> openInput(const fs::path& path)
 {
@@ -167,9 +165,9 @@ TEST_F(LocalStreams, NameThatNoFileCanHaveGivesAFailedStream)
 
 TEST_F(LocalStreams, FailWithoutRights)
 {
-    fs::permissions(m_folder.path(), fs::perms(0755));
-    fs::permissions(m_folder.write("private", "x"), fs::perms(0600));
-    fs::permissions(m_folder.write("readable", "x"), fs::perms(0644));
+    fs::permissions(m_folder.write("private", "x"), fs::perms(0));
+    fs::permissions(m_folder.write("readable", "x"), fs::perms(0444));
+    fs::permissions(m_folder.path(), fs::perms(0555));
     asOrdinaryUser([&] {
         EXPECT_TRUE(openInput(m_folder / "private")->fail());
         EXPECT_TRUE(openInput(m_folder / "readable")->good());

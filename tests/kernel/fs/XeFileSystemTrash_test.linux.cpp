@@ -6,7 +6,7 @@
 #include "OrdinaryUser.h"
 #include "SmallVolume.linux.h"
 #include "TemporaryFolder.h"
-#include "XeNativePath.h"
+#include "WidePath.h"
 
 #include <gmock/gmock.h>
 
@@ -28,8 +28,6 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 constexpr auto kRefused = static_cast<XeResult>(0x80000008);
-
-Text wide(const fs::path& path) { return xenon::path::fromNative(path.native()); }
 
 XeResult trash(const fs::path& path) { return XeFileSystem::moveFileToTrash(wide(path).c_str()); }
 

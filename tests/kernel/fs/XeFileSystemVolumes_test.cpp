@@ -2,7 +2,8 @@
 
 #include "MemoryFileSystem.h"
 #include "TemporaryFolder.h"
-#include "XeNativePath.h"
+#include "WidePath.h"
+#include "fs/XeFileSystemVolumesPlatform.h"
 
 #include <gtest/gtest.h>
 
@@ -19,8 +20,7 @@ constexpr auto kFailure = static_cast<XeResult>(0x80000008);
 _XeString<wchar_t> mountPointOf(const fs::path& path)
 {
     _XeString<wchar_t> mountPoint;
-    EXPECT_EQ(XeFileSystem::getVolumeMountPoint(xenon::path::fromNative(path.native()), mountPoint),
-              0);
+    EXPECT_EQ(XeFileSystem::getVolumeMountPoint(wide(path), mountPoint), 0);
     return mountPoint;
 }
 
@@ -51,7 +51,7 @@ TEST(VolumeMountPoint, PathsThatCannotBeLookedUpHaveNone)
 {
     const TemporaryFolder folder;
     fs::create_symlink(folder / "loop", folder / "loop");
-    const _XeString<wchar_t> loop = xenon::path::fromNative((folder / "loop").native());
+    const _XeString<wchar_t> loop = wide(folder / "loop");
     for (const _XeString<wchar_t>& path : {loop, _XeString<wchar_t>(L"/\xD800"), {}}) {
         _XeString<wchar_t> mountPoint = L"before";
         EXPECT_EQ(XeFileSystem::getVolumeMountPoint(path, mountPoint), kFailure);
@@ -109,6 +109,15 @@ TEST(VolumeOfNoPath, HasNoFormat)
     }
 }
 
+TEST(VolumeOfNoPath, HasNoTypeName)
+{
+    for (const wchar_t* path : kNoSuchPaths) {
+        std::string name = "before";
+        EXPECT_EQ(XeFileSystem::_getFileSystemName(path, name), kFailure);
+        EXPECT_EQ(name, "");
+    }
+}
+
 TEST(VolumeOfNoPath, HasTheMediaTypeUnknown)
 {
     for (const wchar_t* path : kNoSuchPaths) {
@@ -143,7 +152,7 @@ TEST(VolumeOfNoPath, HasNothingElse)
 class RemoteFormat : public testing::Test {
 protected:
     const TemporaryFolder m_folder;
-    const _XeString<wchar_t> m_local = xenon::path::fromNative(m_folder.path().native());
+    const _XeString<wchar_t> m_local = wide(m_folder.path());
     const std::shared_ptr<MemoryFileSystem> m_remote = std::make_shared<MemoryFileSystem>();
     const RemoteMount m_unknown{L"/no such volume", m_remote};
     const RemoteMount m_known{m_local, m_remote};
@@ -178,7 +187,7 @@ TEST_F(RemoteFormat, CannotBeReadAtAnyPosition)
 TEST(VolumeOfAFolder, CanBeReadAtAnyPosition)
 {
     const TemporaryFolder folder;
-    const auto path = xenon::path::fromNative(folder.path().native());
+    const auto path = wide(folder.path());
     EXPECT_TRUE(XeFileSystem::isSeekableVolume(path));
     EXPECT_TRUE(XeFileSystem::isSeekableVolume(path + L"/not there yet"));
 }
@@ -186,7 +195,7 @@ TEST(VolumeOfAFolder, CanBeReadAtAnyPosition)
 TEST(VolumeOfAFolder, HasSpace)
 {
     const TemporaryFolder folder;
-    const auto path = xenon::path::fromNative(folder.path().native());
+    const auto path = wide(folder.path());
     for (const _XeString<wchar_t>& item : {path, _XeString<wchar_t>(path + L"/not there/yet")}) {
         unsigned long long free = 0;
         unsigned long long total = 0;
@@ -237,7 +246,7 @@ TEST(SubVolumes, OfAFolderWithoutVolumesAreNone)
     const TemporaryFolder folder;
     for (const auto& path : {folder.path("absent"), folder.path().string()}) {
         std::vector<_XeString<wchar_t>> volumes = {L"before"};
-        EXPECT_EQ(XeFileSystem::getSubVolumes(xenon::path::fromNative(path), volumes), 0);
+        EXPECT_EQ(XeFileSystem::getSubVolumes(wide(path), volumes), 0);
         EXPECT_TRUE(volumes.empty());
     }
 }

@@ -7,7 +7,7 @@
 #include "OrdinaryUser.h"
 #include "SmallVolume.linux.h"
 #include "TemporaryFolder.h"
-#include "XeNativePath.h"
+#include "WidePath.h"
 
 #include <gmock/gmock.h>
 
@@ -21,8 +21,6 @@ using testing::ElementsAre;
 using testing::Not;
 
 constexpr auto kFailure = static_cast<XeResult>(0x80000008);
-
-_XeString<wchar_t> wide(const fs::path& path) { return xenon::path::fromNative(path.native()); }
 
 int formatOf(const fs::path& path)
 {
