@@ -16,6 +16,11 @@
 #include <filesystem>
 #include <string>
 
+/// mirror_fuse, held open from the program's start: a test that has given up its rights may be
+/// unable to reach the folder in which it lies.
+inline const int fuseServerProgram =
+    open(besideThisProgram("mirror_fuse").c_str(), O_PATH | O_CLOEXEC);
+
 /// A folder shown at another place by a file system in user space (mirror_fuse), so by an ordinary
 /// user too where that one may use FUSE. Its type is "fuse.<subtype>".
 class FuseVolume {
@@ -30,13 +35,13 @@ public:
         if (pipe2(mounted, O_CLOEXEC) != 0) {
             return;
         }
-        const std::string server = besideThisProgram("mirror_fuse");
         m_server = fork();
         if (m_server == 0) {
             prctl(PR_SET_PDEATHSIG, SIGTERM); // a crashed test leaves none behind
             dup2(mounted[1], STDOUT_FILENO);
-            execl(server.c_str(), "mirror_fuse", source.c_str(), "-f", "-s", "-o", options.c_str(),
-                  m_mountPoint.c_str(), nullptr);
+            const char* const words[] = {"mirror_fuse",   source.c_str(),       "-f",   "-s", "-o",
+                                         options.c_str(), m_mountPoint.c_str(), nullptr};
+            fexecve(fuseServerProgram, const_cast<char**>(words), environ);
             _exit(127);
         }
         close(mounted[1]);
