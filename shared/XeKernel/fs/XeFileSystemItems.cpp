@@ -50,8 +50,7 @@ std::basic_string_view<Char> _lastName(std::basic_string_view<Char> path)
 }
 
 /// True for a path whose last name begins with '.', separators at its end left aside. Not so "."
-/// and
-/// "..", which stand for items of another name.
+/// and "..", which stand for items of another name.
 template <typename Char>
 bool _isNamedHidden(std::basic_string_view<Char> path)
 {
