@@ -45,4 +45,4 @@ target_link_libraries(cocoa INTERFACE gnustep-gui)
 # makes C++ catches work there and lets Objective-C exceptions pass through. Both symbols are
 # renamed, or .m and .mm objects of one library disturb each other. `@try` lives in .m files only.
 set(CMAKE_OBJCXX_COMPILE_OBJECT "${CMAKE_OBJCXX_COMPILE_OBJECT}"
-    "${CMAKE_OBJCOPY} --redefine-sym __gnu_objc_personality_v0=__gxx_personality_v0 --redefine-sym DW.ref.__gnu_objc_personality_v0=DW.ref.__gxx_personality_v0 <OBJECT>")
+    "${CMAKE_CURRENT_LIST_DIR}/cxx-personality ${CMAKE_OBJCOPY} <OBJECT>")

@@ -16,8 +16,11 @@ if(PROJECT_IS_TOP_LEVEL)
     set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
     find_program(CCACHE_PROGRAM ccache)
     if(CCACHE_PROGRAM)
+        # What the compiler says it has read identifies a source (no preprocessing of its own), and
+        # a precompiled header is identified by what it says, not by when it was made.
         foreach(_language C CXX OBJC OBJCXX)
-            set(CMAKE_${_language}_COMPILER_LAUNCHER "${CCACHE_PROGRAM}")
+            set(CMAKE_${_language}_COMPILER_LAUNCHER
+                env CCACHE_DEPEND=1 CCACHE_SLOPPINESS=pch_defines,time_macros "${CCACHE_PROGRAM}")
         endforeach()
     endif()
     if(TARVEL_SANITIZE)

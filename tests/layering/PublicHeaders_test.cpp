@@ -44,10 +44,11 @@ public:
 
     bool exists() const { return !m_command.empty(); }
 
-    /// The whole command but for source, outputs and later steps.
+    /// The whole command but for source, outputs, later steps and headers it takes unasked.
     std::string sameCompiler() const
     {
-        static const std::regex kDropped(R"( -(o|c|MT|MF) \S+| -MD| && .*)");
+        static const std::regex kDropped(
+            R"( -(o|c|MT|MF) \S+| -MD| && .*| -Xclang -include(-pch)? -Xclang \S+)");
         return inFolder(std::regex_replace(m_command, kDropped, ""));
     }
 

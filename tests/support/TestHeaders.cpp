@@ -1,0 +1,1 @@
+// Empty: makes the precompiled header of the C++ tests.
