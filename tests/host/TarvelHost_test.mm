@@ -71,9 +71,15 @@ protected:
     /// ASCII and always there.
     std::string waitForWindowOf(const std::string& recording) const
     {
-        const std::string command = "timeout 20 xdotool search --sync --onlyvisible --name '^" +
-                                    recording + " ' > " + path("window");
-        return std::system(command.c_str()) == 0 ? TemporaryFolder::contents(path("window")) : "";
+        return answerTo("timeout 20 xdotool search --sync --onlyvisible --name '^" + recording +
+                        " '");
+    }
+
+    /// What a command prints; empty when it fails.
+    std::string answerTo(const std::string& command) const
+    {
+        const bool isDone = std::system((command + " > " + path("answer")).c_str()) == 0;
+        return isDone ? TemporaryFolder::contents(path("answer")) : "";
     }
 
     void startWithSample()
@@ -82,18 +88,23 @@ protected:
         ASSERT_NE(waitForWindowOf("sample.flac"), "") << errors();
     }
 
+    /// A window is on the screen a little before it has the keyboard.
     void expectEndByKey(const std::string& key)
     {
+        const std::string window = waitForWindowOf("sample.flac");
+        ASSERT_TRUE(
+            gui_test::pumpUntil([&] { return answerTo("xdotool getwindowfocus") == window; }, 20));
         ASSERT_EQ(std::system(("xdotool key " + key).c_str()), 0);
         const int ended = status();
         EXPECT_TRUE(WIFEXITED(ended));
         EXPECT_EQ(WEXITSTATUS(ended), 0);
     }
 
-    RunningProgram m_program; // ends before its folder goes
-
 private:
     TemporaryFolder m_folder;
+
+protected:
+    RunningProgram m_program; // ends before its folder goes
 };
 
 const std::vector<std::string> kTestView = {"--bundle", TEST_VIEW_BUNDLE};

@@ -1,5 +1,6 @@
 #include "fs/LocalItem.h"
 
+#include "XeSafeCRT.h"
 #include "core/XeFilePlatform.h"
 
 #include <boost/filesystem/operations.hpp>
