@@ -59,9 +59,10 @@ constexpr NSTimeInterval kLookSeconds = 0.25;
 
 @implementation HostApplication
 
-// At the first press of a button the connection asks the notification daemon to tell it of new mouse
-// settings. The release that arrives before the daemon's answer would be queued before the press,
-// and the control that was clicked would wait for it. So this is done before there are presses.
+// At the first press of a button the connection asks the notification daemon to tell it of new
+// mouse settings. The release that arrives before the daemon's answer would be queued before the
+// press, and the control that was clicked would wait for it. So this is done before there are
+// presses.
 - (void)finishLaunching
 {
     GSDisplayServer* const server = GSCurrentServer();

@@ -135,8 +135,7 @@ bool pressAndPick(const std::string& place, int button, NSMenu* menu, NSInteger 
                  });
              });
     launch("mousemove " + place + " mousedown " + number);
-    return gui_test::pumpUntil([&released, menu] { return released && !isOpen(menu); },
-                               kTimeLimit);
+    return gui_test::pumpUntil([&released, menu] { return released && !isOpen(menu); }, kTimeLimit);
 }
 
 /// An item of a menu.
@@ -197,8 +196,8 @@ void whenever(std::function<bool()> when, std::function<void()> then)
 void recordEvents()
 {
     s_nextEvent = method_setImplementation(
-        class_getInstanceMethod([NSApp class],
-                                @selector(nextEventMatchingMask:untilDate:inMode:dequeue:)),
+        class_getInstanceMethod([NSApp class], @selector(nextEventMatchingMask:
+                                                                     untilDate:inMode:dequeue:)),
         reinterpret_cast<IMP>(recordNextEvent));
 }
 
@@ -211,13 +210,12 @@ void tellEvents()
     std::fprintf(stderr, "now %.3f\n", [NSDate timeIntervalSinceReferenceDate]);
     for (NSWindow* window in [NSApp windows]) {
         const NSRect frame = [window frame];
-        std::fprintf(stderr, "window %ld \"%s\" %s at %.0f,%.0f %.0fx%.0f, responder %s%s%s\n",
-                     static_cast<long>([window windowNumber]), [[window title] UTF8String],
-                     [window isVisible] ? "shown" : "hidden", NSMinX(frame), NSMinY(frame),
-                     NSWidth(frame), NSHeight(frame),
-                     [[[window firstResponder] description] UTF8String],
-                     [window isKeyWindow] ? ", key" : "",
-                     [NSApp modalWindow] == window ? ", modal" : "");
+        std::fprintf(
+            stderr, "window %ld \"%s\" %s at %.0f,%.0f %.0fx%.0f, responder %s%s%s\n",
+            static_cast<long>([window windowNumber]), [[window title] UTF8String],
+            [window isVisible] ? "shown" : "hidden", NSMinX(frame), NSMinY(frame), NSWidth(frame),
+            NSHeight(frame), [[[window firstResponder] description] UTF8String],
+            [window isKeyWindow] ? ", key" : "", [NSApp modalWindow] == window ? ", modal" : "");
     }
     xdotool("getmouselocation getwindowfocus");
 }

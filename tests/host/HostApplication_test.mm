@@ -57,11 +57,10 @@ TEST(HostApplication, TakesPressAndReleaseInOrderWhenBothHaveBeenWaiting)
     std::vector<NSEventType> types;
     NSDate* const limit = [NSDate dateWithTimeIntervalSinceNow:5];
     while (types.size() < 2 && [limit timeIntervalSinceNow] > 0) {
-        NSEvent* const event =
-            [NSApp nextEventMatchingMask:NSLeftMouseDownMask | NSLeftMouseUpMask
-                               untilDate:limit
-                                  inMode:NSEventTrackingRunLoopMode
-                                 dequeue:YES];
+        NSEvent* const event = [NSApp nextEventMatchingMask:NSLeftMouseDownMask | NSLeftMouseUpMask
+                                                  untilDate:limit
+                                                     inMode:NSEventTrackingRunLoopMode
+                                                    dequeue:YES];
         types.push_back(event != nil ? [event type] : NSEventType{});
     }
     EXPECT_EQ(types, (std::vector<NSEventType>{NSLeftMouseDown, NSLeftMouseUp}));
