@@ -388,15 +388,21 @@ TEST_F(EndToEnd, FormatAndFunctionAreChosenWithTheKeyboard)
     whenever([functions] { return user_hand::isOpen(functions); },
              [] { user_hand::start("key End key Return"); });
     ASSERT_TRUE(user_hand::click(control("functionPopupButton")));
-    EXPECT_TRUE(becomes(kFunctionParameter, 3));
+    constexpr int kLastFunction = 3;
+    EXPECT_TRUE(becomes(kFunctionParameter, kLastFunction));
     EXPECT_FALSE(user_hand::isOpen(functions));
+    // Shown once the effect has answered.
+    const auto showsLast = [&] {
+        return [control("functionPopupButton") indexOfSelectedItem] == kLastFunction;
+    };
+    EXPECT_TRUE(gui_test::pumpUntil(showsLast));
 
     whenever([functions] { return user_hand::isOpen(functions); },
              [] { user_hand::start("key Home key Escape"); });
     ASSERT_TRUE(user_hand::click(control("functionPopupButton")));
     EXPECT_TRUE(gui_test::pumpUntil([functions] { return !user_hand::isOpen(functions); }));
-    EXPECT_EQ(parameter(kFunctionParameter), 3);
-    EXPECT_EQ([control("functionPopupButton") indexOfSelectedItem], 3);
+    EXPECT_EQ(parameter(kFunctionParameter), kLastFunction);
+    EXPECT_TRUE(gui_test::pumpUntil(showsLast));
 }
 
 TEST_F(EndToEnd, TickOfAMenuIsSeenOnItsDarkGround)
