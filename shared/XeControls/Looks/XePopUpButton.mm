@@ -4,6 +4,7 @@
 #import "XePopUpButtonCell.h"
 
 #import <AppKit/NSEvent.h>
+#import <AppKit/NSMenu.h>
 
 @implementation XePopUpButton
 
@@ -30,6 +31,28 @@
 - (BOOL)acceptsFirstResponder
 {
     return [self isEnabled];
+}
+
+- (void)_menuDidSendAction:(NSNotification*)notification
+{
+    m_hasChosen = YES;
+}
+
+// One platform shows the first item after a menu that was left without a choice.
+- (void)mouseDown:(NSEvent*)event
+{
+    const NSInteger shown = [self indexOfSelectedItem];
+    NSNotificationCenter* const center = [NSNotificationCenter defaultCenter];
+    m_hasChosen = NO;
+    [center addObserver:self
+               selector:@selector(_menuDidSendAction:)
+                   name:NSMenuDidSendActionNotification
+                 object:[self menu]];
+    [super mouseDown:event];
+    [center removeObserver:self name:NSMenuDidSendActionNotification object:[self menu]];
+    if (!m_hasChosen && shown >= 0) {
+        [self selectItemAtIndex:shown];
+    }
 }
 
 - (void)keyDown:(NSEvent*)event
